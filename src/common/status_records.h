@@ -190,7 +190,7 @@ typedef struct {
   char s8InterfaceState;
   char s8RangeMode;
   char s8RangeState;
-  int16_t s16Distance;  // decimetres
+  int16_t s16Distance;   // decimetres
   int16_t s16WindSpeed;  // millimetres per second
   char s8AnemometerSwitch;
   char s8AnemometeCountSwitch;
@@ -339,6 +339,14 @@ extern Inf_IR_Cursor IR_Cursor;
 
 // Number of ballistic profiles in `info`; a profile index is valid when below this.
 inline constexpr int BALLISTIC_PROFILE_COUNT = 5;
+
+// The current profile, info[stDevStatus.s8BallisticGroup], or null while the group byte (a whole
+// settings record from the device may carry anything) is outside 0..4. Never index `info` with
+// the group byte directly.
+inline Info_ballistics* current_ballistic_profile() {
+  unsigned group = static_cast<unsigned char>(stDevStatus.s8BallisticGroup);
+  return group < static_cast<unsigned>(BALLISTIC_PROFILE_COUNT) ? &info[group] : nullptr;
+}
 
 // ---- wire layouts (LP64 and AArch64) ----
 static_assert(sizeof(Inf_DevStatus) == 74);
