@@ -42,9 +42,19 @@ typedef struct {
 
 inline constexpr int MSG_SEND_KEY = 54321;
 inline constexpr int MSG_RECV_KEY = 12345;
+// Environment override of both keys, "<send>,<recv>" (decimal or 0x-hex). The UI link and the
+// device simulator read it, so tests and a demo run on private queues never meet a running UI.
+inline constexpr const char* MSG_KEYS_ENV = "SCOPE_MSG_KEYS";
 inline constexpr long MSG_SEND_TYPE = 5;
 inline constexpr long MSG_RECV_TYPE = 4;
 inline constexpr size_t MSG_TEXT_SIZE = sizeof(Inf_MsgText);
+
+// Parses "<send>,<recv>" into two queue keys. False (keys untouched) unless the text holds exactly
+// two non-zero integers separated by a comma.
+bool Inf_ParseMsgKeys(const char* text, int* send_key, int* recv_key);
+// The keys this process uses: the defaults, or $SCOPE_MSG_KEYS when set and valid (an invalid
+// value prints one error line and keeps the defaults).
+void Inf_GetMsgKeys(int* send_key, int* recv_key);
 
 // Opens both queues and starts the listener thread. 0 on success, -1 on failure.
 int32_t Inf_InitMsgEvent(InfMsgEventCallback callback);
@@ -52,7 +62,15 @@ int32_t Inf_InitMsgEvent(InfMsgEventCallback callback);
 int32_t Inf_SendMsgEvent(uint8_t type, uint8_t command, const uint8_t* data, int32_t length);
 // Removes both queues; the listener thread is not stopped. Returns 0.
 int32_t Inf_DeinitMsgEvent(void);
-// The listener thread's body; never returns.
+// The listener thread's body. It runs until its receive queue is removed.
 void* PthreadMsgEventListen(void* node);
+
+// True on the listener thread. Work that belongs to the user interface thread (toolkit timers)
+// is handed over when a handler triggers it there.
+bool Inf_OnListenerThread(void);
+
+// Messages of type 4 taken from the receive queue and handed to the callback so far (the count
+// grows after the callback returns). Tests and benchmarks wait on it.
+uint64_t Inf_MsgReceivedCount(void);
 
 #endif  // SCOPE_MSG_MSG_H
