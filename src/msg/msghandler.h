@@ -11,6 +11,7 @@
 #ifndef SCOPE_MSG_MSGHANDLER_H
 #define SCOPE_MSG_MSGHANDLER_H
 
+#include <cstddef>
 #include <cstdint>
 
 #include "msg/msg.h"
@@ -260,60 +261,99 @@ typedef enum {
 // A screen event is a toolkit event of type EVT_USER_START (8192) + offset, dispatched to the
 // window manager on the UI thread. One list, (offset, name): pages subscribe by name, the frame
 // decoder prints the names.
-#define SCREEN_EVENT_LIST(X)              \
-  X(2, SCREEN_EVT_RETICLE_SWITCH)         \
-  X(5, SCREEN_EVT_RETICLE_POSITION)       \
-  X(10, SCREEN_EVT_COMPASS_AZIMUTH)       \
-  X(11, SCREEN_EVT_COMPASS_PITCH)         \
-  X(12, SCREEN_EVT_COMPASS_SLANT)         \
-  X(13, SCREEN_EVT_PLAY_POSITION)         \
-  X(14, SCREEN_EVT_PLAY_LENGTH)           \
-  X(15, SCREEN_EVT_BATTERY)               \
-  X(19, SCREEN_EVT_WIFI_CONNECTION)       \
-  X(21, SCREEN_EVT_BATTERY_TYPE)          \
-  X(25, SCREEN_EVT_RETICLE_MENU_SWITCH)   \
-  X(26, SCREEN_EVT_LIGHT_OVERHEAT)        \
-  X(27, SCREEN_EVT_GG_CLEAR)              \
-  X(28, SCREEN_EVT_GG_GET)                \
-  X(29, SCREEN_EVT_GG_SAVE)               \
-  X(30, SCREEN_EVT_DISTANCE)              \
-  X(31, SCREEN_EVT_RETICLE_MOVE)          \
-  X(33, SCREEN_EVT_RANGE_MARKER_MOVE)     \
-  X(34, SCREEN_EVT_LASER_MARKER_MOVE)     \
-  X(35, SCREEN_EVT_ZOOM)                  \
-  X(36, SCREEN_EVT_COMPASS_SWITCH)        \
-  X(37, SCREEN_EVT_LASER_SWITCH)          \
-  X(38, SCREEN_EVT_POLARITY)              \
-  X(40, SCREEN_EVT_WIFI_SWITCH)           \
-  X(42, SCREEN_EVT_RETICLE_COLOR)         \
-  X(43, SCREEN_EVT_RETICLE_LIGHT)         \
-  X(44, SCREEN_EVT_BRIGHT_LIGHT)          \
-  X(45, SCREEN_EVT_TEMPERATURE_REMIND)    \
-  X(46, SCREEN_EVT_RETICLE_TYPE)          \
-  X(47, SCREEN_EVT_RETICLE_ZERO_BACK)     \
-  X(48, SCREEN_EVT_BALLISTIC_RESULT)      \
-  X(49, SCREEN_EVT_SHUTTER)               \
-  X(50, SCREEN_EVT_RANGE_SWITCH)          \
-  X(51, SCREEN_EVT_WIND)                  \
-  X(52, SCREEN_EVT_BALLISTIC_PROFILE)     \
-  X(53, SCREEN_EVT_MICRO_SWITCH)          \
-  X(54, SCREEN_EVT_RECOIL_TRIGGERED)      \
-  X(55, SCREEN_EVT_RECORD_TIP)            \
-  X(56, SCREEN_EVT_ZOOM_CHANGED)          \
-  X(57, SCREEN_EVT_UPDATA)                \
-  X(58, SCREEN_EVT_RECOIL_SWITCH)         \
-  X(59, SCREEN_EVT_BALLISTIC_RETICLE)     \
-  X(60, SCREEN_EVT_BALLISTIC_COLOR)       \
-  X(61, SCREEN_EVT_STANDBY)               \
-  X(62, SCREEN_EVT_FREEZE)                \
-  X(63, SCREEN_EVT_PIP_RETICLE)           \
-  X(64, SCREEN_EVT_RANGE_RETICLE)         \
+#define SCREEN_EVENT_LIST(X)            \
+  X(2, SCREEN_EVT_RETICLE_SWITCH)       \
+  X(5, SCREEN_EVT_RETICLE_POSITION)     \
+  X(10, SCREEN_EVT_COMPASS_AZIMUTH)     \
+  X(11, SCREEN_EVT_COMPASS_PITCH)       \
+  X(12, SCREEN_EVT_COMPASS_SLANT)       \
+  X(13, SCREEN_EVT_PLAY_POSITION)       \
+  X(14, SCREEN_EVT_PLAY_LENGTH)         \
+  X(15, SCREEN_EVT_BATTERY)             \
+  X(19, SCREEN_EVT_WIFI_CONNECTION)     \
+  X(21, SCREEN_EVT_BATTERY_TYPE)        \
+  X(25, SCREEN_EVT_RETICLE_MENU_SWITCH) \
+  X(26, SCREEN_EVT_LIGHT_OVERHEAT)      \
+  X(27, SCREEN_EVT_GG_CLEAR)            \
+  X(28, SCREEN_EVT_GG_GET)              \
+  X(29, SCREEN_EVT_GG_SAVE)             \
+  X(30, SCREEN_EVT_DISTANCE)            \
+  X(31, SCREEN_EVT_RETICLE_MOVE)        \
+  X(33, SCREEN_EVT_RANGE_MARKER_MOVE)   \
+  X(34, SCREEN_EVT_LASER_MARKER_MOVE)   \
+  X(35, SCREEN_EVT_ZOOM)                \
+  X(36, SCREEN_EVT_COMPASS_SWITCH)      \
+  X(37, SCREEN_EVT_LASER_SWITCH)        \
+  X(38, SCREEN_EVT_POLARITY)            \
+  X(40, SCREEN_EVT_WIFI_SWITCH)         \
+  X(42, SCREEN_EVT_RETICLE_COLOR)       \
+  X(43, SCREEN_EVT_RETICLE_LIGHT)       \
+  X(44, SCREEN_EVT_BRIGHT_LIGHT)        \
+  X(45, SCREEN_EVT_TEMPERATURE_REMIND)  \
+  X(46, SCREEN_EVT_RETICLE_TYPE)        \
+  X(47, SCREEN_EVT_RETICLE_ZERO_BACK)   \
+  X(48, SCREEN_EVT_BALLISTIC_RESULT)    \
+  X(49, SCREEN_EVT_SHUTTER)             \
+  X(50, SCREEN_EVT_RANGE_SWITCH)        \
+  X(51, SCREEN_EVT_WIND)                \
+  X(52, SCREEN_EVT_BALLISTIC_PROFILE)   \
+  X(53, SCREEN_EVT_MICRO_SWITCH)        \
+  X(54, SCREEN_EVT_RECOIL_TRIGGERED)    \
+  X(55, SCREEN_EVT_RECORD_TIP)          \
+  X(56, SCREEN_EVT_ZOOM_CHANGED)        \
+  X(57, SCREEN_EVT_UPDATA)              \
+  X(58, SCREEN_EVT_RECOIL_SWITCH)       \
+  X(59, SCREEN_EVT_BALLISTIC_RETICLE)   \
+  X(60, SCREEN_EVT_BALLISTIC_COLOR)     \
+  X(61, SCREEN_EVT_STANDBY)             \
+  X(62, SCREEN_EVT_FREEZE)              \
+  X(63, SCREEN_EVT_PIP_RETICLE)         \
+  X(64, SCREEN_EVT_RANGE_RETICLE)       \
   X(65, SCREEN_EVT_LASER_RETICLE)
 
 // Offsets from EVT_USER_START: EVT_USER_START + SCREEN_EVT_BATTERY is event 8207.
 #define SCREEN_EVENT_ENUM_ITEM(offset, name) name = offset,
 typedef enum { SCREEN_EVENT_LIST(SCREEN_EVENT_ENUM_ITEM) } SCREEN_EVENT;
 #undef SCREEN_EVENT_ENUM_ITEM
+
+// ---- the hand-off from the listener thread to the user interface thread ----
+// Screen events, navigations and key posts go through one ordered mailbox that the UI thread
+// drains from an idle function; the toolkit's 20-entry cross-thread queue then holds at most one
+// drain request (plus one bounded batch of posted keys). A screen event raised while the same
+// number is still pending is folded into it: its handlers re-read the records, so nothing is lost.
+inline constexpr int LINK_KEY_CAPACITY = 256;       // button presses waiting for the UI thread
+inline constexpr int LINK_KEY_POSTS_PER_PASS = 16;  // key posts per drain pass (of 20 queue slots)
+inline constexpr int LINK_ITEMS_PER_PASS = 64;      // mailbox items per drain pass
+inline constexpr int LINK_NAVIGATION_CAPACITY = 32;
+inline constexpr int LINK_EVENT_CAPACITY = 256;  // events outside the folded range that may wait
+
+// Counters of the device link, for diagnostics, tests and benchmarks.
+typedef struct {
+  uint64_t frames_received;      // messages of type 0x21 given to uiOperationControl
+  uint64_t frames_dropped;       // failed the frame check, L below 6, or type above 29
+  uint64_t events_raised;        // event_distrubution calls
+  uint64_t events_folded;        // raises merged into a pending event of the same number
+  uint64_t events_dropped;       // unfoldable events beyond LINK_EVENT_CAPACITY
+  uint64_t events_dispatched;    // dispatched to the window manager on the UI thread
+  uint64_t keys_queued;          // button presses accepted into the mailbox
+  uint64_t keys_dropped;         // presses refused because LINK_KEY_CAPACITY was reached
+  uint64_t key_posts;            // main_loop_post_key_event calls made by the drain
+  uint64_t key_posts_failed;     // of which the toolkit refused (its queue was full)
+  uint64_t navigations;          // navigator_to calls made by the drain
+  uint64_t navigations_dropped;  // refused because LINK_NAVIGATION_CAPACITY was reached
+  uint64_t drain_requests;       // idle_queue calls for the drain
+  uint64_t drain_request_failures;
+} Inf_LinkStats;
+
+Inf_LinkStats Inf_GetLinkStats(void);
+// True when nothing waits in the mailbox and no drain is scheduled or running.
+bool Inf_LinkIsIdle(void);
+// Asks for a navigation on the UI thread, in order with the screen events and keys already
+// queued. Callable from any thread; `name` is copied.
+void Inf_LinkNavigate(const char* name);
+// Name of the window on top as the link sees it: the target of a navigation it has queued and
+// not finished yet, else the toolkit's top window ("" when there is none).
+void Inf_LinkTopWindowName(char* out, size_t size);
 
 // ---- inbound ----
 void msgEventCallback(Inf_MsgText* text, void* ctx);
@@ -328,6 +368,67 @@ void uiEventNotif(int type, void* data);
 
 // ---- outbound ----
 int32_t Msgtext_Ui_To_App(uint8_t type, int32_t length, const uint8_t* frame);
+
+// The frame builders. Each takes the sender's leading bytes (type, command, sub-command, values),
+// lays out the frame, appends checksum, 0xEB, 0xAA and sends it with Msgtext_Ui_To_App.
+// 4 bytes: type, command, sub, value -> L 7, 10 bytes on the wire.
+int32_t BasicFunctionHandlerToApp(const uint8_t* bytes);
+// 5 bytes: type, command, sub, value0, value1 -> L 8, 11 bytes.
+int32_t InfHandlerToApp(const uint8_t* bytes);
+// 7 bytes: type, command, sub, four values -> L 10, 13 bytes.
+int32_t cliponPositionHandlerToApp(const uint8_t* bytes);
+// 10 bytes: type, command, eight values -> L 14, 17 bytes, laid out type, 1, command, 0, values.
+int32_t VideoFrameHandlerToApp(const uint8_t* bytes);
+// type, 0, 0, 0, value -> L 7, 10 bytes.
+int32_t UIreadyToApp(uint8_t type, uint8_t value);
+
+// Per-family names of the builders.
+inline int32_t visiHandlerToApp(const uint8_t* b) {
+  return InfHandlerToApp(b);
+}
+inline int32_t fusionHandlerToApp(const uint8_t* b) {
+  return InfHandlerToApp(b);
+}
+inline int32_t pipHandlerToApp(const uint8_t* b) {
+  return InfHandlerToApp(b);
+}
+inline int32_t reticleDistanceHandlerToApp(const uint8_t* b) {
+  return InfHandlerToApp(b);
+}
+inline int32_t wifiHandlerToApp(const uint8_t* b) {
+  return BasicFunctionHandlerToApp(b);
+}
+inline int32_t commpassCorrectToApp(const uint8_t* b) {
+  return BasicFunctionHandlerToApp(b);
+}
+inline int32_t reticleHandlerToApp(const uint8_t* b) {
+  return BasicFunctionHandlerToApp(b);
+}
+inline int32_t blindHandlerToApp(const uint8_t* b) {
+  return BasicFunctionHandlerToApp(b);
+}
+inline int32_t ggHandlerToApp(const uint8_t* b) {
+  return BasicFunctionHandlerToApp(b);
+}
+inline int32_t recoilHandlerToApp(const uint8_t* b) {
+  return BasicFunctionHandlerToApp(b);
+}
+inline int32_t updataHandlerToApp(const uint8_t* b) {
+  return BasicFunctionHandlerToApp(b);
+}
+inline int32_t commpassHandlerToApp(const uint8_t* b) {
+  return cliponPositionHandlerToApp(b);
+}
+inline int32_t fusionPositionHandlerToApp(const uint8_t* b) {
+  return cliponPositionHandlerToApp(b);
+}
+inline int32_t reticlePositionHandlerToApp(const uint8_t* b) {
+  return cliponPositionHandlerToApp(b);
+}
+
+// Longest media file name GUI_SEND_TAP_VIDEO_MSG carries: the name and its NUL fill the values
+// of a frame whose L is at most 255.
+inline constexpr size_t TAP_NAME_MAX = 255 - 6 - 1;
 
 int32_t GUI_SEND_BASIC_FUNCTION_MSG(uint8_t index);
 int32_t GUI_SEND_CLIPON_POSITION_MSG(uint8_t index);
