@@ -41,6 +41,16 @@ void tk_testing_reset(void) {
   tk::locale_apply("en", "US");
 }
 
+void tk_testing_set_app_root(const char* app_root) {
+  tk::Global& gl = tk::g();
+  gl.app_root = tk::resolve_app_root(app_root);
+  gl.sysinfo.app_root = gl.app_root.c_str();
+  tk::style_cache_clear();
+  tk::strings_load_all();
+  std::string lang = gl.locale.language, country = gl.locale.country;
+  tk::locale_apply(lang.c_str(), country.c_str());
+}
+
 void tk_testing_advance(uint32_t ms) {
   tk::Global& gl = tk::g();
   uint64_t target = gl.virtual_now.load() + ms;

@@ -33,6 +33,10 @@ void tk_testing_init_ex(wh_t w, wh_t h, const char* app_root);
 // dropped. The clock keeps its value.
 void tk_testing_reset(void);
 
+// Points the toolkit at another resource directory (one with assets/), e.g. a temporary tree a
+// test writes layouts, styles and strings into; reloads the strings and drops cached styles.
+void tk_testing_set_app_root(const char* app_root);
+
 /* ---- the test clock ---- */
 
 // Runs the main loop for `ms` of test-clock time: every step that would have happened, in time
