@@ -41,10 +41,6 @@ std::unique_ptr<Backend> backend_null_create() {
   return std::make_unique<NullBackend>();
 }
 
-// The backend selection. Until the drawing layer adds its backends (an SDL window, a headless
-// renderer) and picks one here from TK_HEADLESS and DISPLAY, every run uses the null backend.
-std::unique_ptr<Backend> backend_create(int32_t, int32_t) {
-  return backend_null_create();
-}
+// The backend selection (backend_create) is in draw/backend_select.cpp.
 
 }  // namespace tk
