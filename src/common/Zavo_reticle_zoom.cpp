@@ -255,8 +255,9 @@ constexpr ReticleElement kTable[] = {
     ladder_number("label_reticle6_8", 4, "8"),
     ladder_number("label_reticle6_10", 5, "10"),
     ladder_number("label_reticle6_12", 6, "12"),
-    // Centre mark: drawn only in the second colour of a two-colour scheme (transparent until then).
-    dot(GROUP_SHAPE6, "view_reticle6_wh_1", 838, 838, 4),
+    // Centre mark: only the two-colour schemes colour it, so it starts transparent.
+    {GROUP_SHAPE6, "view_reticle6_wh_1", ELEMENT_LINE, ZOOM_FIXED, fix(838), fix(838), fix(4),
+     fix(4), nullptr, RETICLE_COLOR_NONE},
 
     // ---- shape 7: duplex with 4-pixel outer bars from 8 to 16 milliradians, thin inner arms with
     // ticks at 2, 4, 6 and 8, a centre dot, and a numbered drop tree on the lower arm ----

@@ -112,6 +112,9 @@ struct ReticleElement {
   ReticleZoomKind zoom;
   ReticleCoord x, y, w, h;
   const char* text;  // labels only
+  // Colour in the layout file, before the first colour pass (which sets every element but the
+  // centre mark of shape 6).
+  uint32_t layout_color = RETICLE_COLOR_WHITE;
 };
 
 // Every element of the reticle shapes and of the aim-point shapes, grouped, in drawing order.
