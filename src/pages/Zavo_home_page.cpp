@@ -1,6 +1,8 @@
 // "Zavo_home_page": a window with no behaviour. The visitor looks at every child and does nothing.
 #include "pages/Zavo_home_page.h"
 
+#include "common/common_function.h"
+
 namespace {
 
 ret_t visit_init_child(void* ctx, const void* iter) {
@@ -13,10 +15,7 @@ ret_t visit_init_child(void* ctx, const void* iter) {
 
 ret_t Zavo_home_page_init(widget_t* win, void* ctx) {
   (void)ctx;
-  if (win == NULL) {
-    log_error("%s:%d condition(win != NULL) failed!\n", __FUNCTION__, __LINE__);
-    return RET_BAD_PARAMS;
-  }
+  log_return_value_if_fail(win != NULL, RET_BAD_PARAMS);
   widget_foreach(win, visit_init_child, win);
   return RET_OK;
 }
