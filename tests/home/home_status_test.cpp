@@ -1,0 +1,376 @@
+// The observation screen's status side: battery, range and wind read-outs, the zero-group label,
+// icons, tips and their timers, the storage check and the recording clock.
+#include "home_fixture.h"
+
+using home_test::HomeTest;
+
+namespace {
+
+class HomeStatusTest : public HomeTest {};
+
+// ---- battery ----
+
+TEST_F(HomeStatusTest, BatteryIconFollowsTheReportedValueThroughTheLink) {
+  open_home();
+  struct Step {
+    int16_t value;
+    const char* icon;
+  } steps[] = {{771, "Zavo_battery4"}, {770, "Zavo_battery3"}, {731, "Zavo_battery3"},
+               {730, "Zavo_battery2"}, {668, "Zavo_battery2"}, {667, "Zavo_battery1"},
+               {601, "Zavo_battery1"}, {600, "Zavo_battery0"}, {571, "Zavo_battery0"}};
+  for (const Step& s : steps) {
+    battery_report(s.value);
+    EXPECT_EQ(stUIStatus.s16BatteryValue, s.value);
+    EXPECT_EQ(image("image_Zavo_battery"), s.icon) << "battery " << s.value;
+  }
+  EXPECT_EQ(stUIStatus.low_battery_shutdown, 0) << "571 still runs";
+}
+
+TEST_F(HomeStatusTest, BatteryPercentIsClampedToZeroAndHundred) {
+  open_home();
+  battery_report(685);
+  EXPECT_EQ(percent_battery, 50);
+  battery_report(900);
+  EXPECT_EQ(percent_battery, 100);
+  battery_report(500);
+  EXPECT_EQ(percent_battery, 0);
+}
+
+TEST_F(HomeStatusTest, LowBatteryAsksForShutDownAt570) {
+  open_home();
+  battery_report(571);
+  EXPECT_EQ(stUIStatus.low_battery_shutdown, 0);
+  battery_report(570);
+  EXPECT_EQ(stUIStatus.low_battery_shutdown, 2);
+}
+
+TEST_F(HomeStatusTest, LowBatteryShutDownIsRefusedDuringRestoreFormatOrShutDown) {
+  for (const char* blocker : {"Zavo_Restoring", "Zavo_format_restart", "Zavo_SHUT_DOWN"}) {
+    tk_testing_reset();
+    stUIStatus.event_distrubut_reday = 1;
+    stUIStatus.low_battery_shutdown = 0;
+    open_home();
+    std::string xml = std::string("<window name=\"") + blocker + "\" x=\"0\" y=\"0\"/>";
+    ASSERT_NE(tk_testing_open_xml(blocker, xml.c_str()), nullptr);
+    tk_testing_advance(0);
+    battery_report(560);
+    EXPECT_EQ(stUIStatus.low_battery_shutdown, 0) << "with " << blocker << " on top";
+    EXPECT_EQ(tk_testing_window_names().back(), blocker);
+  }
+}
+
+TEST_F(HomeStatusTest, LowBatteryShutDownWaitsForTheRecoilVideoBlinkThenHappens) {
+  stDevStatus.s8RecoilAfter = 0;  // blink of (0 + 2) x 10 ticks of 500 ms
+  open_home();
+  screen_event(SCREEN_EVT_RECOIL_TRIGGERED);
+  battery_report(565);
+  EXPECT_EQ(stUIStatus.low_battery_shutdown, 0) << "refused while the RAV icon blinks";
+  tk_testing_advance(21 * 500);
+  battery_report(565);
+  EXPECT_EQ(stUIStatus.low_battery_shutdown, 2) << "asked again at the next report";
+}
+
+// ---- range and wind ----
+
+TEST_F(HomeStatusTest, DistanceReadsInMetresOrYardsFromDecimetres) {
+  open_home();
+  // Distance frame: type 4, command 2, byte 6 = 0 (success), then the value big-endian.
+  stDevStatus.s8DistanceUint = DISTANCE_M;
+  from_device(home_test::device_frame(4, 2, 0, {0, 0x30, 0x39}));  // 12345 dm
+  EXPECT_EQ(stUIStatus.s16Distance, 12345);
+  EXPECT_EQ(text("label_RngeValue"), "1234 m");
+  stDevStatus.s8DistanceUint = DISTANCE_YD;
+  screen_event(SCREEN_EVT_DISTANCE);
+  EXPECT_EQ(text("label_RngeValue"), "1348 yd");
+}
+
+TEST_F(HomeStatusTest, DistanceAbove3276MetresIsNotNegative) {
+  open_home();
+  stDevStatus.s8DistanceUint = DISTANCE_M;
+  from_device(home_test::device_frame(4, 2, 0, {0, 0x9C, 0x40}));  // 40000 dm
+  EXPECT_EQ(text("label_RngeValue"), "4000 m");
+}
+
+TEST_F(HomeStatusTest, ContinuousRangingBlinksTheMarkerOncePerReading) {
+  open_home();
+  stDevStatus.s8RangeType = RANGE_CONTINUOUS;
+  stUIStatus.s8RangeMode = 3;
+  screen_event(SCREEN_EVT_DISTANCE);
+  EXPECT_FALSE(shown("image_Rnage"));
+  tk_testing_advance(499);
+  EXPECT_FALSE(shown("image_Rnage"));
+  tk_testing_advance(1);
+  EXPECT_TRUE(shown("image_Rnage"));
+}
+
+TEST_F(HomeStatusTest, WindSpeedReadsInMilesPerHour) {
+  stUIStatus.s8WindSwitch = 1;
+  stUIStatus.wind_connect_state = 1;
+  open_home();
+  // Wind frame: type 0, sub-command 38, the speed in mm/s little-endian.
+  from_device(home_test::device_frame(0, 0, 38, {0x76, 0x11}));  // 4470
+  EXPECT_EQ(stUIStatus.s16WindSpeed, 4470);
+  EXPECT_TRUE(shown("Zavo_wind"));
+  EXPECT_EQ(text("label_WindValue"), "10.0 mph");
+}
+
+TEST_F(HomeStatusTest, WindMeterNotConnectedBlinksAndReadsZero) {
+  stUIStatus.s8WindSwitch = 1;
+  stUIStatus.s16WindSpeed = 4470;
+  open_home();
+  EXPECT_TRUE(shown("Zavo_wind"));
+  tk_testing_advance(500);
+  bool first = shown("image_Wind");
+  EXPECT_EQ(text("label_WindValue"), "0.0 mph");
+  EXPECT_EQ(stUIStatus.s16WindSpeed, 0);
+  tk_testing_advance(500);
+  EXPECT_NE(shown("image_Wind"), first);
+  tk_testing_advance(500);
+  EXPECT_EQ(shown("image_Wind"), first);
+
+  // A meter connects: the icon stays on.
+  stUIStatus.wind_connect_state = 1;
+  tk_testing_advance(1000);
+  EXPECT_TRUE(shown("image_Wind"));
+  tk_testing_advance(500);
+  EXPECT_TRUE(shown("image_Wind"));
+
+  // Switched off: the group hides and the blink stops.
+  stUIStatus.s8WindSwitch = 0;
+  screen_event(SCREEN_EVT_WIND);
+  EXPECT_FALSE(shown("Zavo_wind"));
+  bool now = shown("image_Wind");
+  tk_testing_advance(2000);
+  EXPECT_EQ(shown("image_Wind"), now);
+}
+
+// ---- zero group, icons ----
+
+TEST_F(HomeStatusTest, ZeroGroupLabelAlwaysShowsYards) {
+  IR_Cursor.u8CurrentGroup = 1;
+  IR_Cursor.group[1].u8CurrentZero = 3;
+  stDevStatus.s8BallisticGroup = 1;
+  info[1].gun.scope.zeroRange = 91;
+  info[1].gun.scope.zeroRange_yard = 100;
+  open_home();
+  stDevStatus.s8DistanceUint = DISTANCE_M;
+  screen_event(SCREEN_EVT_BALLISTIC_PROFILE);
+  EXPECT_EQ(text("label_reticle_value"), "D2 100y");
+}
+
+TEST_F(HomeStatusTest, ZeroGroupLabelSurvivesOutOfRangeIndices) {
+  IR_Cursor.u8CurrentGroup = 9;
+  stDevStatus.s8BallisticGroup = 7;
+  open_home();
+  EXPECT_EQ(text("label_reticle_value"), "A8 0y");
+}
+
+TEST_F(HomeStatusTest, InitForcesReticleSwitchesAndYards) {
+  stDevStatus.s8ReticleMenuSwitch = 0;
+  stDevStatus.s8ReticleSwitch = 0;
+  stDevStatus.s8DistanceUint = DISTANCE_M;
+  open_home();
+  EXPECT_EQ(stDevStatus.s8ReticleMenuSwitch, 1);
+  EXPECT_EQ(stDevStatus.s8ReticleSwitch, 1);
+  EXPECT_EQ(stDevStatus.s8DistanceUint, DISTANCE_YD);
+  EXPECT_EQ(stUIStatus.s8InterfaceState, INTERFACE_OBSERVE);
+  EXPECT_EQ(stUIStatus.s8CurrentMenu, 0);
+  EXPECT_TRUE(shown("label_reticle_value"));
+}
+
+TEST_F(HomeStatusTest, SimpleIconsFollowTheirFields) {
+  open_home();
+  struct Case {
+    const char* widget;
+    int offset;
+    char* field;
+    char on;
+  } cases[] = {
+      {"image_Zavo_usb_connect", SCREEN_EVT_BATTERY_TYPE, &stUIStatus.s8BatteryType, 1},
+      {"image_Zavo_mic", SCREEN_EVT_MICRO_SWITCH, &stDevStatus.s8MicroSwitch, 1},
+      {"image_Zavo_RAV", SCREEN_EVT_RECOIL_SWITCH, &stDevStatus.s8RecoilState, 1},
+      {"image_Zavo_wifi", SCREEN_EVT_WIFI_SWITCH, &stUIStatus.s8WifiSwitch, 1},
+      {"image_Zavo_shutter", SCREEN_EVT_BRIGHT_LIGHT, &stUIStatus.s8IrBrightLight, 1},
+      {"image_Zavo_shutter", SCREEN_EVT_SHUTTER, &stUIStatus.s8ShutterState, 1},
+      {"label_reticle_value", SCREEN_EVT_RETICLE_MENU_SWITCH, &stDevStatus.s8ReticleMenuSwitch, 1},
+      {"Range", SCREEN_EVT_RANGE_SWITCH, &stDevStatus.s8RangeSwitch, 1},
+      {"image_reticle_range", SCREEN_EVT_RANGE_SWITCH, &stDevStatus.s8RangeSwitch, 1},
+  };
+  for (const Case& c : cases) {
+    *c.field = c.on;
+    screen_event(c.offset);
+    EXPECT_TRUE(shown(c.widget)) << c.widget << " on";
+    *c.field = 0;
+    screen_event(c.offset);
+    EXPECT_FALSE(shown(c.widget)) << c.widget << " off";
+  }
+}
+
+TEST_F(HomeStatusTest, StandbyOverlayShowsOnlyWhileTheScreenIsDark) {
+  open_home();
+  EXPECT_FALSE(shown("view_standby"));
+  stUIStatus.s8InterfaceState = INTERFACE_AOD;
+  screen_event(SCREEN_EVT_STANDBY);
+  EXPECT_TRUE(shown("view_standby"));
+  stUIStatus.s8InterfaceState = INTERFACE_OBSERVE;
+  screen_event(SCREEN_EVT_STANDBY);
+  EXPECT_FALSE(shown("view_standby"));
+}
+
+TEST_F(HomeStatusTest, ColourMapIconByPolarityAndUnknownValuesLeaveIt) {
+  open_home();
+  const char* names[] = {"Zavo_status_whitehot", "Zavo_status_blackhot", "Zavo_status_redface",
+                         "Zavo_status_redhot", "Zavo_status_greenhot"};
+  for (int p = 0; p < 5; ++p) {
+    stDevStatus.s8IrPolarity = static_cast<char>(p);
+    screen_event(SCREEN_EVT_POLARITY);
+    EXPECT_EQ(image("image_Zavo_colormap"), names[p]);
+  }
+  stDevStatus.s8IrPolarity = 5;
+  screen_event(SCREEN_EVT_POLARITY);
+  EXPECT_EQ(image("image_Zavo_colormap"), "Zavo_status_greenhot");
+}
+
+TEST_F(HomeStatusTest, EnhancementIconAtInitOnlyForLevelOne) {
+  stDevStatus.s8IrEnchance = 1;
+  open_home();
+  EXPECT_TRUE(shown("image_Zavo_enchane"));
+}
+
+TEST_F(HomeStatusTest, CompassPitchStaysWhileAMenuOccludesTheOthers) {
+  open_home();
+  EXPECT_TRUE(shown("compass_azimuth") && shown("compass_pitch") && shown("compass_slant"));
+  tk_testing_key_hit(GUI_KEY_FUCTION_S);  // a menu opens above the screen
+  EXPECT_FALSE(shown("compass_azimuth"));
+  EXPECT_TRUE(shown("compass_pitch"));
+  EXPECT_FALSE(shown("compass_slant"));
+  stDevStatus.s8CompassSwitch = 0;
+  screen_event(SCREEN_EVT_COMPASS_SWITCH);
+  EXPECT_FALSE(shown("compass_azimuth") || shown("compass_pitch") || shown("compass_slant"));
+}
+
+TEST_F(HomeStatusTest, CompassAnglesAreShown) {
+  open_home();
+  // Compass frames: type 6, command 0, sub-command = the angle, sign byte, magnitude LE.
+  from_device(home_test::device_frame(6, 0, 0, {0, 225, 0}));
+  from_device(home_test::device_frame(6, 0, 1, {1, 4, 0}));
+  from_device(home_test::device_frame(6, 0, 2, {0, 2, 0}));
+  EXPECT_NE(text("compass_azimuth").find("225\xC2\xB0 SW"), std::string::npos)
+      << text("compass_azimuth");
+  EXPECT_NE(text("compass_pitch").find("-4\xC2\xB0"), std::string::npos) << text("compass_pitch");
+  EXPECT_NE(text("compass_slant").find("+2\xC2\xB0"), std::string::npos) << text("compass_slant");
+}
+
+// ---- blinking ----
+
+TEST_F(HomeStatusTest, RecoilVideoBlinkRunsForItsTimeThenShowsTheSwitch) {
+  stDevStatus.s8RecoilAfter = 1;  // (1 + 2) x 10 + 1 ticks of 500 ms
+  stDevStatus.s8RecoilState = 1;
+  open_home();
+  screen_event(SCREEN_EVT_RECOIL_TRIGGERED);
+  int toggles = 0;
+  bool last = shown("image_Zavo_RAV");
+  for (int i = 0; i < 31; ++i) {
+    tk_testing_advance(500);
+    if (shown("image_Zavo_RAV") != last) ++toggles;
+    last = shown("image_Zavo_RAV");
+  }
+  EXPECT_GE(toggles, 29);
+  EXPECT_TRUE(shown("image_Zavo_RAV")) << "back to the switch state";
+  tk_testing_advance(2000);
+  EXPECT_TRUE(shown("image_Zavo_RAV")) << "the blink has ended";
+}
+
+TEST_F(HomeStatusTest, OverTemperatureBlinksForeverFromOneTimer) {
+  open_home();
+  screen_event(SCREEN_EVT_TEMPERATURE_REMIND);
+  screen_event(SCREEN_EVT_TEMPERATURE_REMIND);  // a second report starts no second timer
+  bool a = shown("image_Zavo_temp");
+  tk_testing_advance(500);
+  bool b = shown("image_Zavo_temp");
+  tk_testing_advance(500);
+  EXPECT_NE(a, b);
+  EXPECT_EQ(shown("image_Zavo_temp"), a) << "one toggle per 500 ms, not two";
+  tk_testing_advance(60000);
+  EXPECT_EQ(shown("image_Zavo_temp"), a);
+}
+
+// ---- tips ----
+
+TEST_F(HomeStatusTest, RecordingTipShowsTwoSecondsFromTheFirstEvent) {
+  open_home();
+  screen_event(SCREEN_EVT_RECORD_TIP);
+  EXPECT_TRUE(shown("view_tip_record"));
+  tk_testing_advance(1500);
+  screen_event(SCREEN_EVT_RECORD_TIP);  // does not extend the tip
+  tk_testing_advance(500);
+  EXPECT_FALSE(shown("view_tip_record"));
+  screen_event(SCREEN_EVT_RECORD_TIP);  // the timer was cleared: a new tip starts
+  EXPECT_TRUE(shown("view_tip_record"));
+  tk_testing_advance(2000);
+  EXPECT_FALSE(shown("view_tip_record"));
+}
+
+TEST_F(HomeStatusTest, LaserSwitchOnLowBatteryShowsTheForbidTipOnce) {
+  open_home();
+  stUIStatus.s16BatteryValue = 560;
+  stUIStatus.s8BatteryType = 0;
+  stUIStatus.s8LaserSwitch = 1;
+  screen_event(SCREEN_EVT_LASER_SWITCH);
+  EXPECT_TRUE(shown("view_tip_forbid_range"));
+  EXPECT_TRUE(shown("image_reticle_laser"));
+  tk_testing_advance(2000);
+  EXPECT_FALSE(shown("view_tip_forbid_range"));
+  stUIStatus.s8BatteryType = 1;  // external power: no tip from the laser refresh
+  screen_event(SCREEN_EVT_LASER_SWITCH);
+  EXPECT_FALSE(shown("view_tip_forbid_range"));
+}
+
+// ---- storage and recording ----
+
+TEST_F(HomeStatusTest, RecordingClockCountsHoursMinutesSeconds) {
+  open_home();
+  tk_testing_key_hit(GUI_KEY_PHOTO_S);
+  EXPECT_TRUE(shown("video_view"));
+  EXPECT_EQ(text("hour") + ":" + text("minute") + ":" + text("second"), "00:00:00");
+  tk_testing_advance(3725 * 1000);
+  EXPECT_EQ(text("hour") + ":" + text("minute") + ":" + text("second"), "01:02:05");
+  EXPECT_EQ(record_status.time_record, 3725);
+}
+
+TEST_F(HomeStatusTest, FullCardDuringRecordingStopsItOnce) {
+  stDevStatus.s8RecoilState = 1;
+  open_home();
+  tk_testing_key_hit(GUI_KEY_PHOTO_S);
+  ASSERT_EQ(record_status.status, 1);
+  auto started = matching(sent_frames(), 23, TAP_PICTURE_RECORD, TAP_RECORD_START);
+  EXPECT_EQ(started.size(), 1u);
+
+  home_test::g_free_mib = 150;  // the card fills up
+  tk_testing_advance(60000);
+  auto frames = sent_frames();
+  EXPECT_EQ(matching(frames, 23, TAP_PICTURE_RECORD, TAP_RECORD_STOP).size(), 1u);
+  EXPECT_EQ(matching(frames, 28, RECOIL_SWITCH, 0xFF).size(), 1u) << "recoil video switched off";
+  EXPECT_EQ(stDevStatus.s8RecoilState, 0);
+  EXPECT_EQ(record_status.status, 0);
+  EXPECT_EQ(stUIStatus.s8RecordingState, 0);
+  EXPECT_FALSE(shown("video_view"));
+  EXPECT_TRUE(shown("image_Zavo_sd_full"));
+  EXPECT_TRUE(shown("view_tip_sdfull"));
+  tk_testing_advance(3000);
+  EXPECT_FALSE(shown("view_tip_sdfull"));
+
+  tk_testing_advance(60000);  // the next check finds nothing to stop
+  EXPECT_TRUE(matching(sent_frames(), 23, TAP_PICTURE_RECORD, TAP_RECORD_STOP).empty());
+}
+
+TEST_F(HomeStatusTest, LowCardShowsTheIconOnly) {
+  home_test::g_free_mib = 300;
+  open_home();
+  EXPECT_TRUE(shown("image_Zavo_sd_full"));
+  home_test::g_free_mib = 4000;
+  tk_testing_advance(60000);
+  EXPECT_FALSE(shown("image_Zavo_sd_full"));
+}
+
+}  // namespace
