@@ -61,8 +61,12 @@ void tk_testing_advance(uint32_t ms) {
     tk::set_virtual_now(std::max<uint64_t>(when, gl.virtual_now.load()));
     run_due_now();
   }
-  tk::set_virtual_now(target);
-  run_due_now();
+  if (target > gl.virtual_now.load()) {
+    tk::set_virtual_now(target);
+    run_due_now();
+  } else if (tk::has_immediate_work()) {
+    run_due_now();
+  }
 }
 
 uint64_t tk_testing_now(void) {

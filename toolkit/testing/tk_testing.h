@@ -110,4 +110,31 @@ bool tk_testing_log_contains(const char* text);
 /* ==== screenshots (drawing layer) ====
  * The drawing engineer adds the screenshot and comparison functions below this line. */
 
+// Paints what is dirty now into the frame, as the next step's paint would. False when there is
+// no frame (no drawing backend) or nothing was dirty.
+bool tk_testing_paint(void);
+// Paints that changed the frame since start-up: an idle screen adds none.
+uint64_t tk_testing_paint_count(void);
+// The colour word (0xAABBGGRR: 0xFF0011FF is red) of a frame pixel, after painting what is
+// dirty; 0 outside the frame.
+uint32_t tk_testing_pixel(xy_t x, xy_t y);
+// Writes the frame (after painting what is dirty) as an RGBA PNG. RET_FAIL with a log line when
+// it cannot be written.
+ret_t tk_testing_screenshot(const char* png_path);
+// Compares the frame (after painting what is dirty) with the reference PNG, allowing each
+// channel to differ by `tolerance` (anti-aliased text differs slightly between font builds).
+// True on a match. Otherwise `message` (when given) says how many pixels differ and names
+// <stem>.actual.png, <stem>.expected.png and <stem>.diff.png written to TK_TEST_OUTPUT_DIR
+// (default ./test-output). A missing reference fails, unless TK_UPDATE_REFERENCES=1: then it
+// is written for review and the comparison passes.
+bool tk_testing_compare_screenshot(const char* reference_png, int tolerance, std::string* message);
+// The picture under all windows (stands in for the live video); NULL or "" for black.
+// RET_FAIL (with a log line, backdrop black) when the file cannot be read.
+ret_t tk_testing_set_backdrop(const char* png_path);
+// Uses another file as the system font behind "default" (NULL restores Debian's); lets tests
+// make the font go missing. Drops every opened font and rendered text.
+void tk_testing_set_system_font(const char* path);
+// Drops decoded images and rendered text, and forgets which names were reported missing.
+void tk_testing_drop_draw_caches(void);
+
 #endif /* TK_TESTING_H */
