@@ -1,0 +1,116 @@
+// The simulated device application: its copy of the settings, zeroing data and ballistic
+// profiles, its sensors, and how it answers the UI's frames.
+//
+// Everything here is plain computation on frames and time; the queues and the terminal live in
+// devsim.cpp, so tests can drive a Device directly.
+#ifndef SCOPE_TOOLS_DEVSIM_DEVICE_MODEL_H
+#define SCOPE_TOOLS_DEVSIM_DEVICE_MODEL_H
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "common/status_records.h"
+
+namespace devsim {
+
+using Frame = std::vector<uint8_t>;
+
+// A plausible .308 rifle: 175 grain bullet at 790 m/s, G1 BC 0.505, 3x thermal sight 4.5 cm over
+// the bore, zeroed at 100 m. Five profiles differ in bullet and load.
+Inf_DevStatus default_settings();
+Inf_IR_Cursor default_zeroing();
+Info_ballistics default_profile(int index);
+
+struct Solution {
+  double moaV;  // vertical hold, MOA, positive: aim higher
+  double moaH;  // horizontal hold, MOA, positive: aim right
+};
+
+// Point-mass solution with quadratic drag scaled by the ballistic coefficient and the air
+// density of the profile's weather; gravity drop against the sight line zeroed at the
+// profile's zero range, and wind drift by the lag rule. Range in metres.
+Solution solve(const Info_ballistics& profile, double range_m);
+
+// Builders of the frames the device sends to the UI.
+Frame key_frame(uint8_t button);
+Frame battery_frame(int value);
+Frame battery_type_frame(int type);
+Frame compass_frame(int angle, int value);  // angle: 0 azimuth, 1 pitch, 2 cant
+Frame wind_frame(int mm_per_s);
+Frame distance_frame(int decimetres);  // negative: a failed measurement
+Frame zoom_frame(int hundredths);
+Frame menu_query_frame();
+Frame record_frame(uint8_t command, uint8_t profile, const void* record, size_t size);
+Frame solution_frame(const Solution& solution);
+Frame video_total_frame(uint64_t frames, uint16_t rate);
+Frame video_position_frame(uint64_t frames);
+
+class Device {
+ public:
+  using Sender = std::function<void(const Frame&)>;
+  using Printer = std::function<void(const std::string&)>;
+
+  Device(Sender send, Printer print);
+
+  // Start-up records: settings, zeroing, then the five profiles, the last one index 4.
+  void send_startup_records();
+  // A frame received from the UI (already checked).
+  void on_frame(const Frame& frame);
+  // Scheduled work: sensors, continuous ranging, playback. `now_ms` is a monotonic clock.
+  void tick(uint64_t now_ms);
+
+  void set_schedule(bool on) { schedule_ = on; }
+  void set_target_decimetres(int dm) { target_dm_ = dm; }
+  void send_battery();
+  void send_compass();
+  void send_wind();
+  void send_distance();
+  void send_solution();
+  void select_profile(int index);  // a profile load that makes `index` current
+
+  const Inf_DevStatus& settings() const { return settings_; }
+  const Info_ballistics& profile(int index) const { return profiles_[index]; }
+  int current_profile() const;
+  int menu_level() const { return menu_level_; }
+
+ private:
+  void on_ballistic(const Frame& frame);
+  void on_range(uint8_t what, uint8_t value);
+  void on_tap(const Frame& frame);
+  void maybe_solve();
+
+  Sender send_;
+  Printer print_;
+  Inf_DevStatus settings_;
+  Inf_IR_Cursor zeroing_;
+  Info_ballistics profiles_[5];
+
+  bool schedule_ = true;
+  uint64_t now_ms_ = 0;
+  uint64_t next_battery_ms_ = 0;
+  uint64_t next_compass_ms_ = 0;
+  uint64_t next_wind_ms_ = 0;
+  int battery_ = 790;
+  int azimuth_ = 0;
+  int pitch_ = 0;
+  int cant_ = 0;
+  int wind_mm_s_ = 3000;
+  int target_dm_ = 3274;
+  int last_distance_dm_ = 0;
+  unsigned noise_ = 12345;
+  bool range_on_ = true;
+  bool ranging_continuous_ = false;
+  uint64_t next_range_ms_ = 0;
+  int menu_level_ = -1;
+
+  bool playing_ = false;
+  uint64_t play_frames_ = 0;
+  uint64_t play_total_ = 0;
+  uint64_t next_play_ms_ = 0;
+};
+
+}  // namespace devsim
+
+#endif  // SCOPE_TOOLS_DEVSIM_DEVICE_MODEL_H
