@@ -18,9 +18,13 @@ bool env_on(const char* var) {
 
 }  // namespace
 
-bool tk_testing_paint(void) { return tk::draw::paint_pending(); }
+bool tk_testing_paint(void) {
+  return tk::draw::paint_pending();
+}
 
-uint64_t tk_testing_paint_count(void) { return tk::draw::screen().paints; }
+uint64_t tk_testing_paint_count(void) {
+  return tk::draw::screen().paints;
+}
 
 uint32_t tk_testing_pixel(xy_t x, xy_t y) {
   tk::draw::paint_pending();
