@@ -1,0 +1,79 @@
+// Helpers shared by the drawing tests.
+#include "draw_test_util.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+#include "draw/png_io.h"
+#include "tk_testing.h"
+
+namespace drawtest {
+
+std::string scratch_dir() {
+  const char* out = getenv("TK_TEST_OUTPUT_DIR");
+  std::filesystem::path dir =
+      std::filesystem::path(out != nullptr && *out != '\0' ? out : "test-output") / "draw_fixtures";
+  std::filesystem::create_directories(dir);
+  return std::filesystem::absolute(dir).string();
+}
+
+tk::draw::Pixmap quadrants() {
+  tk::draw::Pixmap p(4, 4);
+  for (int y = 0; y < 4; ++y) {
+    for (int x = 0; x < 4; ++x) {
+      uint32_t c = y < 2 ? (x < 2 ? kRed : kGreen) : (x < 2 ? kBlue : kWhite);
+      p.px[static_cast<size_t>(y) * 4 + x] = c;
+    }
+  }
+  return p;
+}
+
+std::string write_fixture(const tk::draw::Pixmap& pic, const std::string& name) {
+  std::string path = scratch_dir() + "/" + name;
+  std::string error;
+  EXPECT_TRUE(tk::draw::save_png(pic, path, error)) << error;
+  return path;
+}
+
+std::string read_text_file(const std::string& path) {
+  std::ifstream in(path, std::ios::binary);
+  std::stringstream ss;
+  ss << in.rdbuf();
+  return ss.str();
+}
+
+widget_t* open_draw_layout() {
+  tk_testing_init();
+  std::string xml = read_text_file(DRAW_TEST_DIR "/tk_draw_layout.xml");
+  EXPECT_FALSE(xml.empty());
+  widget_t* win = tk_testing_open_xml("tk_draw_layout", xml.c_str());
+  EXPECT_NE(win, nullptr);
+  if (win == nullptr) return nullptr;
+  struct {
+    const char* name;
+    uint32_t word;
+  } words[] = {
+      {"red", kRed}, {"green", kGreen}, {"blue", kBlue}, {"black", kBlack}, {"white", kWhite}};
+  for (auto& w : words) {
+    EXPECT_EQ(widget_set_style_color(widget_lookup(win, w.name, TRUE), "normal:bg_color", w.word),
+              RET_OK);
+  }
+  std::string pic = "file://" + write_fixture(quadrants(), "quadrants.png");
+  image_set_image(widget_lookup(win, "picture", TRUE), pic.c_str());
+  image_set_image(widget_lookup(win, "picture_scaled", TRUE), pic.c_str());
+  tk_testing_advance(0);
+  return win;
+}
+
+int frame_pixels_not(const tk::draw::Rect& r, uint32_t color) {
+  int n = 0;
+  for (int y = r.y; y < r.bottom(); ++y)
+    for (int x = r.x; x < r.right(); ++x)
+      n += tk_testing_pixel(x, y) != color ? 1 : 0;
+  return n;
+}
+
+}  // namespace drawtest
