@@ -180,6 +180,7 @@ void set_system_font(const std::string& path) {
 
 void text_cache_clear() {
   close_fonts();
+  st().reported.clear();
 }
 
 size_t text_cache_size() {
