@@ -739,8 +739,10 @@ void first_language_check() {
     if (std::remove(path.c_str()) != 0)
       std::printf("Error: file remove  %s\n", std::strerror(errno));
   } else {
+    // Every profile load asks again, and the first one of a first start has already taken the
+    // marker: the flag keeps its value (0 from start) so that the boot logo, opened once all
+    // five profiles are in, still sees the first start.
     std::puts("#############first_language_file not exit!");
-    stUIStatus.s8FirstLanguageFlag = 0;
   }
 }
 
