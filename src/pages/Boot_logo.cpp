@@ -9,11 +9,14 @@
 
 #include "common/common_function.h"
 #include "common/navigator.h"
+#include "msg/msghandler.h"
 
 namespace {
 
 // How long the logo stays up.
 constexpr uint32_t BOOT_LOGO_MS = 5000;
+// Basic function that carries stDevStatus.s8Language to the device application.
+constexpr uint8_t BASIC_LANGUAGE_INDEX = 16;
 
 ret_t visit_init_child(void* ctx, const void* iter) {
   (void)ctx;
@@ -48,8 +51,11 @@ ret_t Boot_logo_init(widget_t* win, void* ctx) {
   widget_foreach(win, visit_init_child, win);
   widget_add_timer(win, on_open_home_page, BOOT_LOGO_MS);
 
+  // First start: the customer's default language becomes the device's language, which the
+  // device application stores like every other setting.
   if (stUIStatus.s8FirstLanguageFlag == 1) {
     stDevStatus.s8Language = s_stCustConfig.s8DefaultLanguage;
+    GUI_SEND_BASIC_FUNCTION_MSG(BASIC_LANGUAGE_INDEX);
   }
   print_language_config();
 
