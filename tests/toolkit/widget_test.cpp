@@ -147,7 +147,7 @@ TEST_F(Widgets, ChildrenLayoutPlacesVisibleChildrenInAGrid) {
       "<label name=\"a\"/><label name=\"b\"/><label name=\"c\"/></view>");
   widget_t* b = widget_lookup(w, "b", TRUE);
   EXPECT_EQ(b->x, 111);  // 10 + (96 + 5)
-  EXPECT_EQ(b->w, 96);  // (320 - 2 * 10 - 2 * 5) / 3
+  EXPECT_EQ(b->w, 96);   // (320 - 2 * 10 - 2 * 5) / 3
   EXPECT_EQ(b->h, 100);
 }
 

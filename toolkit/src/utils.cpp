@@ -593,3 +593,39 @@ void log_capture(tk_log_level_t level, const char* format, va_list ap) {
 }
 
 }  // namespace tk
+
+// The numbers of toolkit version 1.7.1 that page code and the device link rely on.
+static_assert(RET_OK == 0 && RET_FAIL == 2 && RET_REMOVE == 7 && RET_REPEAT == 8 &&
+              RET_STOP == 11 && RET_BAD_PARAMS == 16 && RET_MAX_NR == 25);
+static_assert(EVT_DESTROY == 12);
+static_assert(EVT_FOCUS == 272 && EVT_BLUR == 273);
+static_assert(EVT_KEY_DOWN == 0x112 && EVT_KEY_LONG_PRESS == 275 &&
+              EVT_KEY_DOWN_BEFORE_CHILDREN == 276);
+static_assert(EVT_KEY_UP == 0x116 && EVT_KEY_UP_BEFORE_CHILDREN == 279);
+static_assert(EVT_LOCALE_CHANGED == 290);
+static_assert(EVT_WINDOW_LOAD == 296 && EVT_WIDGET_LOAD == 297 && EVT_WINDOW_WILL_OPEN == 298);
+static_assert(EVT_WINDOW_OPEN == 0x12b && EVT_WINDOW_TO_BACKGROUND == 300 &&
+              EVT_WINDOW_TO_FOREGROUND == 301);
+static_assert(EVT_WINDOW_CLOSE == 0x12e && EVT_REQUEST_CLOSE_WINDOW == 0x12f &&
+              EVT_TOP_WINDOW_CHANGED == 304);
+static_assert(EVT_REQ_START == 0x1000 && EVT_USER_START == 0x2000);
+static_assert(LOG_LEVEL_DEBUG == 0 && LOG_LEVEL_ERROR == 3);
+static_assert(APP_MOBILE == 0 && APP_CONSOLE == 3);
+static_assert(ASSET_TYPE_STYLE == 3 && ASSET_TYPE_UI == 4 && ASSET_TYPE_STRINGS == 6);
+static_assert(DIALOG_QUIT_OK == 1 && DIALOG_QUIT_CANCEL == 2 && DIALOG_QUIT_OTHER == 3);
+static_assert(ALIGN_H_CENTER == 1 && ALIGN_H_LEFT == 2 && ALIGN_V_MIDDLE == 1 && ALIGN_V_TOP == 2);
+static_assert(TK_KEY_0 == 48 && TK_KEY_A == 65 && TK_KEY_a == 97 && TK_KEY_q == 113);
+static_assert(sizeof(bool_t) == 1 && sizeof(wchar_t) == 4 && sizeof(color_t) == 4);
+// The public widget fields in the toolkit's order (pages read them directly).
+static_assert(offsetof(widget_t, x) == 0 && offsetof(widget_t, h) == 12);
+static_assert(offsetof(widget_t, name) < offsetof(widget_t, tr_text) &&
+              offsetof(widget_t, tr_text) < offsetof(widget_t, enable) &&
+              offsetof(widget_t, enable) < offsetof(widget_t, visible) &&
+              offsetof(widget_t, visible) < offsetof(widget_t, state) &&
+              offsetof(widget_t, state) < offsetof(widget_t, opacity) &&
+              offsetof(widget_t, opacity) < offsetof(widget_t, text) &&
+              offsetof(widget_t, text) < offsetof(widget_t, parent) &&
+              offsetof(widget_t, parent) < offsetof(widget_t, children) &&
+              offsetof(widget_t, children) < offsetof(widget_t, emitter) &&
+              offsetof(widget_t, emitter) < offsetof(widget_t, vt) &&
+              offsetof(widget_t, vt) < offsetof(widget_t, host));
