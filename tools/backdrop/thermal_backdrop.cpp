@@ -246,7 +246,7 @@ void soften(Field& f) {
   }
 }
 
-// Sensor character: a faint fixed-pattern noise and a soft vignette.
+// Lens character: a soft vignette.
 void finish(Field& f) {
   float cx = f.w / 2.0f;
   float cy = f.h / 2.0f;
@@ -255,7 +255,7 @@ void finish(Field& f) {
     for (int x = 0; x < f.w; ++x) {
       float r = std::hypot(x - cx, y - cy) / rmax;
       float& p = f.at(x, y);
-      p = p * (1.0f - 0.10f * r * r) + 0.012f * (unit(hash3(x, y, 97u)) - 0.5f);
+      p = p * (1.0f - 0.10f * r * r);
     }
   }
 }
