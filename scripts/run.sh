@@ -1,0 +1,108 @@
+#!/usr/bin/env bash
+# make run: builds the scope UI and the device simulator, prepares a temporary device tree,
+# starts both over private message queues and stops both when either ends (window closed, Ctrl-C,
+# or the simulator's quit keys). The simulator runs in this terminal: its keys are the scope's
+# buttons (it prints the key map). The UI opens a window when there is a display; without one it
+# runs headless and rewrites a screenshot every second.
+#
+# Environment:
+#   SCOPE_LANGUAGE=German   default language written to language.json (default English; the
+#                           first start applies it)
+#   SCOPE_BACKDROP=<png>    picture under the transparent observation screen (default: the
+#                           build's synthetic thermal scene)
+#   SCOPE_RUN_TMPFS=0       keep the media folder on the host disk (see below)
+#   SCOPE_MSG_KEYS=<s>,<r>  queue keys (default: a private pair for this run)
+#   TK_HEADLESS=1           no window even with a display
+#
+# The card: the UI reports the media folder's file system as the SD card, and a host disk of
+# 64 GiB or more reads as a card error. The media folder therefore goes on a 1 GiB tmpfs when
+# that can be mounted: directly as root, otherwise inside a private user and mount namespace
+# (unshare) that holds both programs. Where neither works the UI prints its card error line and
+# runs on.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+top=$(pwd)
+build=$top/build/dev
+
+if [ "${SCOPE_RUN_STAGE:-}" != "namespace" ]; then
+  scripts/deps.sh
+  cmake --preset dev >/dev/null
+  cmake --build --preset dev --target inf_menu devsim sample_media backdrop
+
+  # Not root: re-run this script inside a user and mount namespace, where it may mount the tmpfs.
+  if [ "$(id -u)" -ne 0 ] && [ "${SCOPE_RUN_TMPFS:-1}" = 1 ] && command -v unshare >/dev/null; then
+    probe=$(mktemp -d)
+    if unshare --user --map-root-user --mount \
+      sh -c 'mount -t tmpfs -o size=1m scope-probe "$1"' sh "$probe" 2>/dev/null; then
+      rmdir "$probe"
+      exec env SCOPE_RUN_STAGE=namespace \
+        unshare --user --map-root-user --mount "$top/scripts/run.sh" "$@"
+    fi
+    rmdir "$probe"
+  fi
+fi
+
+tree=$(mktemp -d "${TMPDIR:-/tmp}/scope-ui.XXXXXX")
+if [ -z "${SCOPE_MSG_KEYS:-}" ]; then
+  # A private pair of queue keys for this run, removed at the end.
+  send_key=$((0x53430000 + ($$ & 0xFFFF) * 2))
+  SCOPE_MSG_KEYS="$send_key,$((send_key + 1))"
+fi
+export SCOPE_MSG_KEYS SCOPE_UI_ROOT=$tree
+
+ui_pid=""
+sim_pid=""
+cleanup() {
+  trap - EXIT INT TERM
+  for pid in $ui_pid $sim_pid; do kill "$pid" 2>/dev/null || true; done
+  wait 2>/dev/null || true
+  for key in ${SCOPE_MSG_KEYS//,/ }; do ipcrm -Q "$key" 2>/dev/null || true; done
+  umount "$tree/usrdata/media" 2>/dev/null || true
+  rm -rf "$tree"
+}
+trap cleanup EXIT
+trap 'exit 130' INT
+trap 'exit 143' TERM
+
+tree_args=()
+[ "$(id -u)" -eq 0 ] && [ "${SCOPE_RUN_TMPFS:-1}" = 1 ] && tree_args+=(--tmpfs)
+tree_args+=(--language "${SCOPE_LANGUAGE:-English}")
+SAMPLE_MEDIA=$build/tools/sample_media/sample_media scripts/device-tree.sh "${tree_args[@]}" "$tree"
+
+backdrop=${SCOPE_BACKDROP:-$build/backdrop/thermal_backdrop.png}
+if [ -f "$backdrop" ]; then
+  export TK_BACKDROP=$backdrop
+else
+  echo "no backdrop picture at $backdrop: the observation screen shows over black"
+fi
+
+if [ -z "${DISPLAY:-}${WAYLAND_DISPLAY:-}" ] || [ -n "${TK_HEADLESS:-}" ]; then
+  export TK_HEADLESS=1 TK_SCREENSHOT=$tree/screen.png
+  export TK_SCREENSHOT_EVERY_MS=${TK_SCREENSHOT_EVERY_MS:-1000}
+  echo "no display: the scope UI runs headless; its screen is rewritten every" \
+    "${TK_SCREENSHOT_EVERY_MS} ms to $TK_SCREENSHOT"
+fi
+
+log=$build/inf_menu.log
+echo "device tree: $tree   queues: $SCOPE_MSG_KEYS"
+echo "scope UI output: $log (tail -f it in another terminal)"
+
+# The simulator reads this terminal; a background job would otherwise get /dev/null.
+exec 3<&0
+"$build/tools/devsim/devsim" --remove-queues-on-exit <&3 &
+sim_pid=$!
+# Line-buffered, so the log follows the run (a file would otherwise get 4 KiB blocks).
+line_buffered=()
+command -v stdbuf >/dev/null && line_buffered=(stdbuf -oL -eL)
+"${line_buffered[@]}" "$build/src/inf_menu" >"$log" 2>&1 </dev/null &
+ui_pid=$!
+
+# Whichever ends first ends the run.
+while kill -0 "$ui_pid" 2>/dev/null && kill -0 "$sim_pid" 2>/dev/null; do
+  sleep 0.2
+done
+if ! kill -0 "$ui_pid" 2>/dev/null; then
+  echo "scope UI ended; stopping the device simulator"
+else
+  echo "device simulator ended; stopping the scope UI"
+fi
