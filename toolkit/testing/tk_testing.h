@@ -125,7 +125,7 @@ ret_t tk_testing_screenshot(const char* png_path);
 // channel to differ by `tolerance` (anti-aliased text differs slightly between font builds).
 // True on a match. Otherwise `message` (when given) says how many pixels differ and names
 // <stem>.actual.png, <stem>.expected.png and <stem>.diff.png written to TK_TEST_OUTPUT_DIR
-// (default ./test-output). A missing reference fails, unless TK_UPDATE_REFERENCES=1: then it
+// (default <temp dir>/tk-test-output). A missing reference fails, unless TK_UPDATE_REFERENCES=1: then it
 // is written for review and the comparison passes.
 bool tk_testing_compare_screenshot(const char* reference_png, int tolerance, std::string* message);
 // The picture under all windows (stands in for the live video); NULL or "" for black.

@@ -1,6 +1,8 @@
 // Test support of the drawing layer: painting on demand, pixels, screenshots and comparison
 // with reference pictures.
 #include <cstdlib>
+#include <filesystem>
+#include <string>
 
 #include "draw/compare.h"
 #include "draw/images.h"
@@ -14,6 +16,11 @@ namespace {
 bool env_on(const char* var) {
   const char* v = getenv(var);
   return v != nullptr && *v != '\0' && std::string(v) != "0";
+}
+
+// Outside the source tree, where the tests run.
+std::string default_output_dir() {
+  return (std::filesystem::temp_directory_path() / "tk-test-output").string();
 }
 
 }  // namespace
@@ -54,9 +61,10 @@ bool tk_testing_compare_screenshot(const char* reference_png, int tolerance, std
   }
   tk::draw::paint_pending();
   const char* out = getenv("TK_TEST_OUTPUT_DIR");
-  auto res = tk::draw::compare_with_reference(tk::draw::screen().frame, reference_png, tolerance,
-                                              out != nullptr && *out != '\0' ? out : "test-output",
-                                              env_on("TK_UPDATE_REFERENCES"));
+  auto res = tk::draw::compare_with_reference(
+      tk::draw::screen().frame, reference_png, tolerance,
+      out != nullptr && *out != '\0' ? std::string(out) : default_output_dir(),
+      env_on("TK_UPDATE_REFERENCES"));
   if (message != nullptr) *message = res.message;
   return res.match;
 }
