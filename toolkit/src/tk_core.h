@@ -12,6 +12,7 @@
 #include <mutex>
 #include <string>
 #include <thread>
+#include <unordered_map>
 #include <unordered_set>
 #include <vector>
 
@@ -111,8 +112,23 @@ struct ChildrenLayout {
 
 }  // namespace tk
 
+namespace tk {
+struct NameHash {
+  using is_transparent = void;
+  size_t operator()(std::string_view s) const { return std::hash<std::string_view>{}(s); }
+};
+// Names of a subtree -> the first widget in document order, rebuilt when the tree changed.
+struct NameIndex {
+  uint64_t generation = 0;
+  std::unordered_map<std::string, widget_t*, NameHash, std::equal_to<>> first;
+};
+// Bumped by every change of any widget tree or name.
+extern uint64_t g_tree_generation;
+}  // namespace tk
+
 struct _widget_host_t {
   const tk::Kind* kind = nullptr;
+  std::unique_ptr<tk::NameIndex> name_index;
   std::map<std::string, tk::Prop, std::less<>> props;
   std::vector<tk::StyleOverride> overrides;
   std::vector<uint32_t> timers;

@@ -123,6 +123,7 @@ void progress_update_text(widget_t* w) {
 
 void free_widget(widget_t* w) {
   Global& gl = g();
+  g_tree_generation++;
   gl.live.erase(w);
   if (w->emitter != nullptr) delete w->emitter;
   free(w->name);
@@ -192,7 +193,10 @@ ret_t foreach_rec(widget_t* w, tk_visit_t visit, void* ctx) {
 
 }  // namespace
 
+uint64_t g_tree_generation = 1;
+
 void children_push(widget_t* parent, widget_t* child, int32_t index) {
+  g_tree_generation++;
   if (parent->children == nullptr) {
     parent->children = new darray_t{};
   }
@@ -212,6 +216,7 @@ void children_push(widget_t* parent, widget_t* child, int32_t index) {
 }
 
 bool children_remove(widget_t* parent, widget_t* child) {
+  g_tree_generation++;
   darray_t* a = parent->children;
   if (a == nullptr) return false;
   for (uint32_t i = 0; i < a->size; i++) {
@@ -342,11 +347,34 @@ widget_t* child_named(widget_t* w, const char* name) {
   return nullptr;
 }
 
+namespace {
+void index_rec(widget_t* w, NameIndex* index) {
+  darray_t* a = w->children;
+  if (a == nullptr) return;
+  for (uint32_t i = 0; i < a->size; i++) {
+    widget_t* c = static_cast<widget_t*>(a->elms[i]);
+    if (c->name != nullptr) index->first.emplace(c->name, c);
+    index_rec(c, index);
+  }
+}
+}  // namespace
+
 widget_t* lookup_named(widget_t* w, const char* name, bool recursive) {
   if (w == nullptr || name == nullptr) return nullptr;
   if (!recursive) return child_named(w, name);
-  if (name[0] == '\0') return nullptr;
-  return lookup_rec(w, name);
+  if (name[0] == '\0' || w->children == nullptr) return nullptr;
+  if (w == g().wm) return lookup_rec(w, name);
+  // Pages look names up in their window again and again: index the subtree once per change.
+  widget_host_t* h = w->host;
+  if (!h->name_index) h->name_index = std::make_unique<NameIndex>();
+  NameIndex* index = h->name_index.get();
+  if (index->generation != g_tree_generation) {
+    index->first.clear();
+    index_rec(w, index);
+    index->generation = g_tree_generation;
+  }
+  auto it = index->first.find(std::string_view(name));
+  return it == index->first.end() ? nullptr : it->second;
 }
 
 /* ---- emitter ---- */
@@ -1461,6 +1489,7 @@ bool_t widget_get_prop_bool(widget_t* widget, const char* name, bool_t defval) {
 
 ret_t widget_set_name(widget_t* widget, const char* name) {
   return_value_if_fail(widget != NULL, RET_BAD_PARAMS);
+  tk::g_tree_generation++;
   tk::set_cstr(&widget->name, name);
   return RET_OK;
 }
