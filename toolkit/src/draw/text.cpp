@@ -36,6 +36,14 @@ struct TextState {
   std::set<std::string, std::less<>> reported;
   std::unordered_map<std::string, Line> lines;
   size_t mask_bytes = 0;
+
+  // At exit the opened fonts go back to SDL2_ttf, which is then shut down.
+  ~TextState() {
+    for (auto& [key, font] : fonts) {
+      if (font != nullptr) TTF_CloseFont(font);
+    }
+    if (ttf_ok) TTF_Quit();
+  }
 };
 
 TextState& st() {
