@@ -31,8 +31,8 @@ class Backend {
   virtual void paint() = 0;
 };
 
-// The backend for this run, chosen by the environment (TK_HEADLESS, DISPLAY). Called once by
-// tk_init with the screen size.
+// The backend for this run, chosen by the environment (TK_HEADLESS, DISPLAY); defined with the
+// drawing backends (draw/backend_select.cpp). Called once by tk_init with the screen size.
 std::unique_ptr<Backend> backend_create(int32_t lcd_w, int32_t lcd_h);
 
 // The backend without drawing: waits on a condition variable, discards the dirty region.

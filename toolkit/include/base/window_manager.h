@@ -7,8 +7,8 @@
 // - window_manager(), window_manager_get_top_window(), window_manager_get_top_main_window() and
 //   widget_child()/widget_lookup() on the window manager itself read the stack under a lock.
 //   The window returned stays valid (pointer and name readable) until the user interface thread
-//   destroys it, which is never before the idle pass after its close, and its memory is kept
-//   for at least a further second.
+//   destroys it, which is never before the idle pass after its close; its memory is kept until
+//   the main-loop step after that.
 // - window_open() and window_open_and_close() queue an "open this name" request for the user
 //   interface thread and return NULL; window_close(), window_close_force(),
 //   window_manager_close_window(), window_manager_close_window_force(), window_manager_back(),
