@@ -44,6 +44,11 @@ void tk_testing_set_app_root(const char* app_root);
 // timer's due time. advance(0) runs everything already due now (e.g. the open sequence of a
 // window just opened, or posted keys).
 void tk_testing_advance(uint32_t ms);
+// A nested loop (dialog_modal, or tk_run) under the test clock runs what is due, then jumps the
+// clock to the next due timer whenever it has nothing else to do (possibly past the end of the
+// advance that started it); when nothing at all is scheduled it waits for other threads and,
+// after 2 s of real time without work, gives up with an error line (dialog_modal then returns
+// DIALOG_QUIT_NONE) instead of hanging the test.
 // The clock (same as time_now_ms()).
 uint64_t tk_testing_now(void);
 
