@@ -256,7 +256,7 @@ constexpr ReticleElement kTable[] = {
     ladder_number("label_reticle6_10", 5, "10"),
     ladder_number("label_reticle6_12", 6, "12"),
     // Centre mark: only the two-colour schemes colour it, so it starts transparent.
-    {GROUP_SHAPE6, "view_reticle6_wh_1", ELEMENT_LINE, ZOOM_FIXED, fix(838), fix(838), fix(4),
+    {GROUP_SHAPE6, "view_reticle6_wh_1", ELEMENT_DOT, ZOOM_FIXED, fix(838), fix(838), fix(4),
      fix(4), nullptr, RETICLE_COLOR_NONE},
 
     // ---- shape 7: duplex with 4-pixel outer bars from 8 to 16 milliradians, thin inner arms with
@@ -306,7 +306,7 @@ constexpr ReticleElement kTable[] = {
 
     // ---- aim-point shapes under "image_point" (centre 640, 640) ----
     // 1: a dot.
-    fixed_mark(GROUP_AIM1, "view_t1_1", 636, 636, 8, 8),
+    {GROUP_AIM1, "view_t1_1", ELEMENT_DOT, ZOOM_FIXED, fix(636), fix(636), fix(8), fix(8), nullptr},
     // 2: a small cross.
     fixed_mark(GROUP_AIM2, "viewt2_1", 630, 639, 20, 2),
     fixed_mark(GROUP_AIM2, "viewt2_2", 639, 630, 2, 20),

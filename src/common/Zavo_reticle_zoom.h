@@ -65,6 +65,7 @@ struct ReticleCoord {
 // What the element is drawn as.
 enum ReticleElementKind : uint8_t {
   ELEMENT_LINE,   // filled view, coloured by "normal:bg_color"
+  ELEMENT_DOT,    // filled round view (corner radius half its size), "normal:bg_color"
   ELEMENT_RING,   // bordered view (circle), coloured by "normal:border_color"
   ELEMENT_LABEL,  // a number, coloured by "normal:text_color"
 };

@@ -63,6 +63,9 @@ std::string element_line(const ReticleElement& e) {
     case ELEMENT_LABEL:
       return "<label " + name + " text=\"" + e.text + "\" style.normal.text_color=\"" + color +
              "\" style.normal.font_size=\"12\" style.normal.text_align_h=\"left\"/>";
+    case ELEMENT_DOT:
+      return "<view " + name + " style.normal.bg_color=\"" + color +
+             "\" style.normal.round_radius=\"" + std::to_string(w / 2) + "\"/>";
     case ELEMENT_LINE: break;
   }
   return "<view " + name + " style.normal.bg_color=\"" + color + "\"/>";
