@@ -23,11 +23,13 @@ TEST(Utils, AtobTreatsEmptyFalseAndZeroAsFalse) {
 
 TEST(Utils, StrEqIsNullSafe) {
   const char* null = nullptr;
+  const char* abc = "abc";
+  std::string same = "abc", other = "abd", upper = "ABC";
   EXPECT_TRUE(tk_str_eq(null, null));
-  EXPECT_FALSE(tk_str_eq("a", null));
-  EXPECT_TRUE(tk_str_eq("abc", "abc"));
-  EXPECT_FALSE(tk_str_eq("abc", "abd"));
-  EXPECT_TRUE(tk_str_ieq("ABC", "abc"));
+  EXPECT_FALSE(tk_str_eq(abc, null));
+  EXPECT_TRUE(tk_str_eq(abc, same.c_str()));
+  EXPECT_FALSE(tk_str_eq(abc, other.c_str()));
+  EXPECT_TRUE(tk_str_ieq(upper.c_str(), abc));
 }
 
 TEST(Utils, SnprintfIsPlainAndSafeOnNull) {

@@ -186,7 +186,10 @@ struct Request {
     BACK_TO_HOME,
     SWITCH_TO,
     CALL
-  } type;
+  };
+  Request() = default;
+  explicit Request(Type t) : type(t) {}
+  Type type = CALL;
   bool pressed = false;
   uint32_t key = 0;
   idle_func_t idle = nullptr;
