@@ -1,8 +1,8 @@
 // The scope's pages: one window name per line, each bound to its `<name>_init`.
 //
-// The navigator's page table and the declarations below are generated from PAGE_LIST, so adding
-// a page is one line here plus its module (src/pages/<name>.cpp and ui/<name>.xml). A page whose
-// module is not written yet is listed in pending_pages.cpp, which gives it a minimal init.
+// The navigator's page table, the declarations below and the minimal inits of the pages not
+// written yet are all generated from PAGE_LIST, so adding a page is one line here plus its
+// layout (ui/<name>.xml) and, once written, its module.
 #ifndef SCOPE_PAGES_PAGE_LIST_H
 #define SCOPE_PAGES_PAGE_LIST_H
 
@@ -10,63 +10,66 @@
 
 #include "awtk.h"
 
-// Window names, spelt as the layouts name them ("bullistic" and "updata" on purpose).
-#define PAGE_LIST(X)            \
-  X(Zavo_Laser_menu)            \
-  X(Zavo_lrf_menu)              \
-  X(Zavo_PIP_menu)              \
-  X(Zavo_laser_move)            \
-  X(Zavo_range_move)            \
-  X(Zavo_updata)                \
-  X(Zavo_tip_ballistic)         \
-  X(Zavo_wind)                  \
-  X(Zavo_bullistic_lens)        \
-  X(Zavo_ballistic_bullet)      \
-  X(Zavo_ballistic_zeroweather) \
-  X(Zavo_ballistic_weather)     \
-  X(Zavo_ballistic_menu)        \
-  X(Zavo_Recoil_menu)           \
+// Window names, spelt as the layouts name them ("bullistic" and "updata" on purpose), in the
+// order of the page table. X(name): the page has its own module src/pages/<name>.cpp. P(name):
+// its module is not written yet and pending_pages.cpp gives it a minimal init; writing the
+// module turns the P into an X.
+#define PAGE_LIST(X, P)         \
+  P(Zavo_Laser_menu)            \
+  P(Zavo_lrf_menu)              \
+  P(Zavo_PIP_menu)              \
+  P(Zavo_laser_move)            \
+  P(Zavo_range_move)            \
+  P(Zavo_updata)                \
+  P(Zavo_tip_ballistic)         \
+  P(Zavo_wind)                  \
+  P(Zavo_bullistic_lens)        \
+  P(Zavo_ballistic_bullet)      \
+  P(Zavo_ballistic_zeroweather) \
+  P(Zavo_ballistic_weather)     \
+  P(Zavo_ballistic_menu)        \
+  P(Zavo_Recoil_menu)           \
   X(Zavo_home_page)             \
-  X(Zavo_SHUT_DOWN)             \
+  P(Zavo_SHUT_DOWN)             \
   X(Zavo_Init)                  \
   X(Boot_logo)                  \
-  X(Zavo_file_video)            \
-  X(Zavo_file_video_1)          \
-  X(Zavo_compass_menu)          \
-  X(Zavo_compass_1)             \
-  X(Zavo_pixel_save)            \
-  X(Zavo_pixel_child)           \
-  X(Zavo_reticle_zero)          \
+  P(Zavo_file_video)            \
+  P(Zavo_file_video_1)          \
+  P(Zavo_compass_menu)          \
+  P(Zavo_compass_1)             \
+  P(Zavo_pixel_save)            \
+  P(Zavo_pixel_child)           \
+  P(Zavo_reticle_zero)          \
   X(Zavo_home_page_1)           \
-  X(Zavo_reticle_move)          \
-  X(Zavo_reticle_zero_child)    \
-  X(Zavo_reticle_menu)          \
-  X(Zavo_file_image)            \
-  X(Zavo_file_menu)             \
-  X(Zavo_Magnetic_declination)  \
-  X(Zavo_vertical_correction)   \
-  X(Zavo_level_correction)      \
-  X(Zavo_pixel_menu)            \
-  X(Zavo_Anemometer)            \
-  X(Zavo_format_restart)        \
-  X(Zavo_formatting)            \
-  X(Zavo_Restoring)             \
-  X(Zavo_SDcard)                \
-  X(Zavo_Info)                  \
-  X(Zavo_USB)                   \
-  X(Zavo_Reset)                 \
-  X(Zavo_DataTime)              \
-  X(Zavo_Settings)              \
-  X(Zavo_menu2)                 \
-  X(Zavo_menu1)                 \
-  X(Zavo_shortcut_menu)
+  P(Zavo_reticle_move)          \
+  P(Zavo_reticle_zero_child)    \
+  P(Zavo_reticle_menu)          \
+  P(Zavo_file_image)            \
+  P(Zavo_file_menu)             \
+  P(Zavo_Magnetic_declination)  \
+  P(Zavo_vertical_correction)   \
+  P(Zavo_level_correction)      \
+  P(Zavo_pixel_menu)            \
+  P(Zavo_Anemometer)            \
+  P(Zavo_format_restart)        \
+  P(Zavo_formatting)            \
+  P(Zavo_Restoring)             \
+  P(Zavo_SDcard)                \
+  P(Zavo_Info)                  \
+  P(Zavo_USB)                   \
+  P(Zavo_Reset)                 \
+  P(Zavo_DataTime)              \
+  P(Zavo_Settings)              \
+  P(Zavo_menu2)                 \
+  P(Zavo_menu1)                 \
+  P(Zavo_shortcut_menu)
 
 #define PAGE_INIT_DECLARATION(name) ret_t name##_init(widget_t* win, void* ctx);
-PAGE_LIST(PAGE_INIT_DECLARATION)
+PAGE_LIST(PAGE_INIT_DECLARATION, PAGE_INIT_DECLARATION)
 #undef PAGE_INIT_DECLARATION
 
 #define PAGE_COUNT_ONE(name) +1
-inline constexpr int PAGE_COUNT = 0 PAGE_LIST(PAGE_COUNT_ONE);
+inline constexpr int PAGE_COUNT = 0 PAGE_LIST(PAGE_COUNT_ONE, PAGE_COUNT_ONE);
 #undef PAGE_COUNT_ONE
 static_assert(PAGE_COUNT == 48);
 

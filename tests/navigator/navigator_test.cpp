@@ -94,7 +94,7 @@ TEST(PageTable, EveryNameIsBoundToTheInitOfTheSameName) {
     EXPECT_NE(out.find("condition(win != NULL) failed!\n"), std::string::npos) << out; \
     ++checked;                                                                         \
   }
-  PAGE_LIST(CHECK_PAGE)
+  PAGE_LIST(CHECK_PAGE, CHECK_PAGE)
 #undef CHECK_PAGE
   EXPECT_EQ(checked, 48);
   EXPECT_EQ(navigator_find_page("Zavo_menu3"), nullptr);
