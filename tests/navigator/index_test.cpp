@@ -16,24 +16,24 @@ std::string printed_by(Fn fn) {
   return ::testing::internal::GetCapturedStdout();
 }
 
-TEST(GetIndexVal, DesignedExamples) {
-  EXPECT_EQ(getIndexVal(GUI_KEY_PHOTO_S, 0, 3, 3, 0), 0);     // down past the last row wraps
-  EXPECT_EQ(getIndexVal(GUI_KEY_FOCUS_UP_S, 0, 3, 0, 0), 3);  // any other key steps down
-  EXPECT_EQ(getIndexVal(GUI_KEY_RANGE_S, 0, 3, 1, 0), 0);     // range keys step down in mode 0
-}
-
-TEST(GetIndexVal, ModeZeroStepsUpWithThePhotoKeys) {
-  EXPECT_EQ(getIndexVal(GUI_KEY_PHOTO_S, 1, 10, 4, 0), 5);
-  EXPECT_EQ(getIndexVal(GUI_KEY_PHOTO_L, 1, 10, 10, 0), 1);
-  EXPECT_EQ(getIndexVal(GUI_KEY_RANGE_S, 1, 10, 1, 0), 10);
-  EXPECT_EQ(getIndexVal(GUI_KEY_RANGE_L, 1, 10, 5, 0), 4);
-}
-
-TEST(GetIndexVal, OtherModesStepUpWithTheRangeKeys) {
-  EXPECT_EQ(getIndexVal(GUI_KEY_RANGE_S, 0, 9, 9, 1), 0);
-  EXPECT_EQ(getIndexVal(GUI_KEY_RANGE_L, 0, 9, 3, 2), 4);
-  EXPECT_EQ(getIndexVal(GUI_KEY_PHOTO_S, 0, 9, 0, 1), 9);
-  EXPECT_EQ(getIndexVal(GUI_KEY_PHOTO_L, 0, 9, 7, 1), 6);
+TEST(GetIndexVal, StepsByKeyAndMode) {
+  struct {
+    int32_t key, min, max, current, mode, expected;
+  } cases[] = {
+      {GUI_KEY_PHOTO_S, 0, 3, 3, 0, 0},     // down past the last row wraps to the first
+      {GUI_KEY_FOCUS_UP_S, 0, 3, 0, 0, 3},  // any other key steps down, wrapping to the last
+      {GUI_KEY_RANGE_S, 0, 3, 1, 0, 0},     // in mode 0 the range keys step down
+      {GUI_KEY_PHOTO_L, 1, 10, 4, 0, 5},    //
+      {GUI_KEY_RANGE_L, 1, 10, 1, 0, 10},   //
+      {GUI_KEY_RANGE_S, 0, 9, 9, 1, 0},     // in other modes the range keys step up
+      {GUI_KEY_RANGE_L, 0, 9, 3, 2, 4},     //
+      {GUI_KEY_PHOTO_S, 0, 9, 0, 1, 9},     // and the photo keys down
+  };
+  for (const auto& c : cases) {
+    EXPECT_EQ(getIndexVal(c.key, c.min, c.max, c.current, c.mode), c.expected)
+        << "key " << c.key << " " << c.min << ".." << c.max << " from " << c.current << " mode "
+        << c.mode;
+  }
 }
 
 TEST(GetIndexVal, OutOfRangeIsReportedAndSteppedAnyway) {
@@ -50,8 +50,6 @@ TEST(GetIndexVal, OutOfRangeIsReportedAndSteppedAnyway) {
 
 TEST(GetIndexValCycle, AlwaysStepsUpAndWraps) {
   EXPECT_EQ(getIndexVal_cycle(0, 4, 0), 1);
-  EXPECT_EQ(getIndexVal_cycle(0, 4, 4), 0);
-  EXPECT_EQ(getIndexVal_cycle(1, 3, 2), 3);
   const std::string out = printed_by([] { EXPECT_EQ(getIndexVal_cycle(1, 3, 3), 1); });
   EXPECT_EQ(out, "");
 }
