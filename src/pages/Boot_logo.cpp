@@ -35,11 +35,19 @@ void print_language_config(void) {
 }
 
 ret_t on_open_home_page(const timer_info_t* timer) {
-  (void)timer;
+  widget_t* logo = static_cast<widget_t*>(timer->ctx);
   stUIStatus.s8IRZoom = 1;
   stUIStatus.s8VisiZoom = 1;
   stUIStatus.s8FuZoom = 1;
-  navigator_switch_to(stDevStatus.s8UseMode != 0 ? "clipon_home_page" : "observe_home_page", TRUE);
+  widget_t* wm = window_manager();
+  if (window_manager_get_top_window(wm) == logo) {
+    navigator_switch_to(stDevStatus.s8UseMode != 0 ? "clipon_home_page" : "observe_home_page",
+                        TRUE);
+  } else {
+    // A page opened above the logo meanwhile (shut-down, update): it stays on top, above the
+    // observation screen, and only the logo goes.
+    window_manager_close_window_force(wm, logo);
+  }
   return RET_REMOVE;
 }
 

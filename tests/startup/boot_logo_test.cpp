@@ -107,6 +107,15 @@ TEST_F(BootLogo, ClipOnUseModeAlsoEndsOnTheObservationScreen) {
   EXPECT_EQ(tk_testing_window_names(), std::vector<std::string>{"Zavo_home_page_1"});
 }
 
+TEST_F(BootLogo, APageOpenedAboveTheLogoStaysWhenTheLogoGoes) {
+  start();
+  tk_testing_advance(1000);
+  ASSERT_NE(tk_testing_open_xml("Zavo_SHUT_DOWN", R"(<window name="Zavo_SHUT_DOWN"/>)"), nullptr);
+  tk_testing_advance(4000);
+  EXPECT_EQ(tk_testing_window_names(),
+            (std::vector<std::string>{"Zavo_home_page_1", "Zavo_SHUT_DOWN"}));
+}
+
 TEST_F(BootLogo, EachLanguageOfTheTableHasItsTexts) {
   const char* taglines[] = {"Thermal Imaging Riflescope", "热成像瞄准镜",
                             "Тепловизионный прицел",      "Wärmebild-Zielfernrohr",
