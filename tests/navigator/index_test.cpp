@@ -54,7 +54,7 @@ TEST(GetIndexValCycle, AlwaysStepsUpAndWraps) {
   EXPECT_EQ(out, "");
 }
 
-TEST(GetIndexValCycle, DesignedExampleAndErrors) {
+TEST(GetIndexValCycle, OutOfRangeIsReportedAndSteppedAnyway) {
   std::string out = printed_by([] { EXPECT_EQ(getIndexVal_cycle(0, 2, 5), 0); });
   EXPECT_NE(out.find("!!!!!!!!!!cycle para null error"), std::string::npos) << out;
   out = printed_by([] { EXPECT_EQ(getIndexVal_cycle(4, 1, 0), 1); });
