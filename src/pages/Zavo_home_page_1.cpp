@@ -208,8 +208,8 @@ void draw_all(widget_t* win) {
   on_laser_reticle_change(win, NULL);
   on_range_reticle_change(win, NULL);
   on_pip_reticle_change(win, NULL);
-  // Beyond the designed list: the Wi-Fi icon and the compass read-outs are drawn from the records
-  // at start too, instead of waiting for their first event.
+  // The Wi-Fi icon and the compass read-outs too, so that they show the device's state from the
+  // start instead of waiting for their first event.
   on_Zavo_WIFI_Switch(win, NULL);
   on_Zavo_compass_value(win, NULL);
 }
