@@ -2,6 +2,9 @@
 // ink lands.
 #include <gtest/gtest.h>
 
+#include <SDL.h>
+#include <SDL_image.h>
+
 #include "draw/canvas.h"
 #include "draw/images.h"
 #include "draw/text.h"
@@ -209,4 +212,37 @@ TEST_F(DrawText, RenderedLinesAreCachedAndCanBeDropped) {
   EXPECT_EQ(tk::draw::text_cache_size(), n + 1);
   tk_testing_drop_draw_caches();
   EXPECT_EQ(tk::draw::text_cache_size(), 0u);
+}
+
+TEST(DrawImageFiles, PngJpegAndBmpAllDecode) {
+  tk_testing_init();
+  // A 16 x 8 picture: left half red, right half blue, saved in each format the board reads.
+  Pixmap src(16, 8);
+  for (int y = 0; y < 8; ++y)
+    for (int x = 0; x < 16; ++x)
+      src.px[static_cast<size_t>(y) * 16 + x] = x < 8 ? kRed : kBlue;
+  std::string png = write_fixture(src, "formats.png");
+  SDL_Surface* s =
+      SDL_CreateRGBSurfaceWithFormatFrom(src.px.data(), 16, 8, 32, 64, SDL_PIXELFORMAT_RGBA32);
+  ASSERT_NE(s, nullptr);
+  std::string bmp = scratch_dir() + "/formats.bmp";
+  std::string jpg = scratch_dir() + "/formats.jpg";
+  ASSERT_EQ(SDL_SaveBMP(s, bmp.c_str()), 0) << SDL_GetError();
+  ASSERT_EQ(IMG_SaveJPG(s, jpg.c_str(), 95), 0) << IMG_GetError();
+  SDL_FreeSurface(s);
+  for (const std::string& path : {png, bmp, jpg}) {
+    auto pic = tk::draw::image_get(("file://" + path).c_str());
+    ASSERT_NE(pic, nullptr) << path;
+    EXPECT_EQ(pic->w, 16) << path;
+    EXPECT_EQ(pic->h, 8) << path;
+    // Lossy JPEG: close to the colours, exact for the others.
+    uint32_t left = pic->at(2, 4);
+    uint32_t right = pic->at(13, 4);
+    EXPECT_NEAR(tk::draw::color_r(left), 255, 12) << path;
+    EXPECT_NEAR(tk::draw::color_b(left), 0, 12) << path;
+    EXPECT_NEAR(tk::draw::color_b(right), 255, 12) << path;
+    EXPECT_NEAR(tk::draw::color_r(right), 0, 12) << path;
+    EXPECT_EQ(tk::draw::color_a(left), 255) << path;
+  }
+  EXPECT_EQ(tk::draw::image_get(("file://" + png).c_str())->at(0, 0), kRed);
 }
