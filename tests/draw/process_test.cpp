@@ -7,12 +7,13 @@
 #include <signal.h>
 #include <spawn.h>
 #include <sys/wait.h>
-#include <time.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <filesystem>
 #include <set>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "draw/png_io.h"
@@ -44,9 +45,9 @@ std::vector<std::string> child_env(const std::vector<std::string>& extra) {
   return env;
 }
 
+// Real time passes for the child process; this process only waits for it.
 void pause_ms(int ms) {
-  timespec ts{0, ms * 1000000L};
-  nanosleep(&ts, nullptr);
+  std::this_thread::sleep_for(std::chrono::milliseconds(ms));
 }
 
 pid_t spawn_demo(const std::vector<std::string>& extra, const std::string& output) {
