@@ -12,6 +12,7 @@
 #include <cstring>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <atomic>
 #include <deque>
@@ -144,6 +145,8 @@ struct Mailbox {
 };
 
 Mailbox mailbox;
+// Set when the toolkit refused a drain request: the next inbound frame asks again.
+std::atomic<bool> drain_retry{false};
 std::atomic<uint64_t> frames_received{0};
 std::atomic<uint64_t> frames_dropped{0};
 
@@ -158,6 +161,7 @@ void request_drain() {
   if (ret != RET_OK) {
     mailbox.scheduled--;
     mailbox.stats.drain_request_failures++;
+    drain_retry.store(true, std::memory_order_relaxed);
     std::printf(
         "[ERROR] device link: the toolkit queue refused the drain request (%d); "
         "retrying with the next message\n",
@@ -182,6 +186,8 @@ void mail_append(Fill&& fill) {
 
 // Called after each inbound frame: a drain request that failed earlier is retried here.
 void mail_kick() {
+  if (!drain_retry.load(std::memory_order_relaxed)) return;
+  drain_retry.store(false, std::memory_order_relaxed);
   bool schedule = false;
   {
     std::lock_guard<std::mutex> guard(mailbox.lock);
@@ -276,16 +282,18 @@ ret_t on_idle(const idle_info_t* idle) {
   std::unique_lock<std::mutex> lk(mailbox.lock);
   mailbox.scheduled--;
   mailbox.running++;
-  int handled = 0;
+  // A pass takes what was there when it began: items that arrive meanwhile wait for the next
+  // pass, so a steady stream from the listener never keeps one pass going.
+  const size_t budget = std::min<size_t>(mailbox.items.size(), LINK_ITEMS_PER_PASS);
+  size_t handled = 0;
   int key_posts = 0;
-  while (!mailbox.items.empty()) {
+  while (!mailbox.items.empty() && handled < budget) {
     const MailItem& front = mailbox.items.front();
     if (key_posts > 0 && front.kind != MailKind::KEY) break;
     if (front.kind == MailKind::KEY &&
         key_posts + item_key_posts(front) > LINK_KEY_POSTS_PER_PASS) {
       break;
     }
-    if (handled >= LINK_ITEMS_PER_PASS) break;
 
     MailItem item = std::move(mailbox.items.front());
     mailbox.items.pop_front();
