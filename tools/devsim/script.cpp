@@ -39,14 +39,14 @@ bool number(const std::string& word, int* out) {
   return true;
 }
 
-struct Spec {
+struct Verb {
   const char* word;
   Op op;
   int min_args;
   int max_args;
 };
 
-constexpr Spec SPECS[] = {
+constexpr Verb VERBS[] = {
     {"send", Op::SEND, 3, 252},
     {"battery", Op::BATTERY, 1, 1},
     {"battery-type", Op::BATTERY_TYPE, 1, 1},
@@ -163,14 +163,14 @@ std::optional<Command> parse_command(std::string_view line, std::string* error) 
     c.numbers.push_back(words[1] == "on" ? 1 : 0);
     return c;
   }
-  for (const Spec& spec : SPECS) {
-    if (verb != spec.word) continue;
-    if (static_cast<int>(nargs) < spec.min_args || static_cast<int>(nargs) > spec.max_args) {
-      *error = "\"" + verb + "\" takes " + std::to_string(spec.min_args) +
-               (spec.max_args != spec.min_args ? " or more" : "") + " argument(s)";
+  for (const Verb& form : VERBS) {
+    if (verb != form.word) continue;
+    if (static_cast<int>(nargs) < form.min_args || static_cast<int>(nargs) > form.max_args) {
+      *error = "\"" + verb + "\" takes " + std::to_string(form.min_args) +
+               (form.max_args != form.min_args ? " or more" : "") + " argument(s)";
       return std::nullopt;
     }
-    c.op = spec.op;
+    c.op = form.op;
     for (size_t i = 1; i < words.size(); ++i) {
       int v = 0;
       if (!number(words[i], &v)) {

@@ -527,7 +527,7 @@ std::string decode(std::span<const uint8_t> frame, Direction direction) {
   std::string text = direction == Direction::FROM_UI ? decode_from_ui(frame.data(), L)
                                                      : decode_to_ui(frame.data(), L);
   if (!text.empty()) return text;
-  // A frame this decoder has no name for: show its raw parts.
+  // A frame this decoder has no name for: show its raw fields.
   const char* family = type_name(frame[2]);
   std::string out = family != nullptr ? family : "TYPE_" + std::to_string(frame[2]);
   out += "  cmd=" + std::to_string(frame[3]) + "  sub=" + std::to_string(frame[4]);

@@ -38,7 +38,7 @@ std::string hex(std::span<const uint8_t> bytes);
 // Parses whitespace-separated hex bytes ("aa 07 ..." or "aa0710..."); nullopt on bad input.
 std::optional<std::vector<uint8_t>> parse_hex(std::string_view text);
 
-// One line naming the frame: family, command, then its values, two blanks between the parts,
+// One line naming the frame: family, command, then its values, two blanks between them,
 // e.g. "RETICLE  RETICLE_TYPE  value=3" or "KEY  KEY_RANGE_S". A frame that fails the check
 // decodes as "BAD FRAME (<error>)".
 std::string decode(std::span<const uint8_t> frame, Direction direction);
