@@ -25,6 +25,7 @@
 #include "common/device_path.h"
 #include "common/navigator.h"
 #include "common/status_records.h"
+#include "pages/Zavo_home_page_1.h"
 
 namespace {
 
@@ -629,8 +630,10 @@ constexpr std::array<KeyRow, KEY_NULL_MAX> KEY_TABLE = {{
 
 void power_short_rule() {
   if (top_window_name() == HOME_WINDOW && u8(stUIStatus.s8InterfaceState) == INTERFACE_OBSERVE) {
-    // The home screen mirrors its recording clock into s8RecordingState.
-    if (u8(stUIStatus.s8RecordingState) == 1) {
+    // A recording runs when the flag says so or the home screen's recording clock ticks (the
+    // clock is read as one word; the UI thread writes it).
+    const int32_t clock_timer = __atomic_load_n(&record_status.timer_id, __ATOMIC_RELAXED);
+    if (u8(stUIStatus.s8RecordingState) == 1 || clock_timer != 0) {
       event_distrubution(EV_RECORD_TIP);
       return;
     }

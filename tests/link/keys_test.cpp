@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "link_fixture.h"
+#include "pages/Zavo_home_page_1.h"
 
 namespace linktest {
 namespace {
@@ -141,6 +142,18 @@ TEST_F(Keys, PowerShortWhileRecordingShowsTheRecordingTip) {
   press(KEY_POWER_S);
   EXPECT_EQ(stUIStatus.s8InterfaceState, INTERFACE_OBSERVE);
   EXPECT_TRUE(sent_frames().empty());
+  EXPECT_EQ(log_.events(), std::vector<int>{8247});
+  EXPECT_EQ(keys(), hit(49));
+}
+
+TEST_F(Keys, PowerShortWhileTheRecordingClockTicksShowsTheRecordingTip) {
+  open_window("Zavo_home_page_1");
+  stUIStatus.s8InterfaceState = INTERFACE_OBSERVE;
+  stUIStatus.s8RecordingState = 0;
+  record_status.timer_id = 17;
+  press(KEY_POWER_S);
+  record_status.timer_id = 0;
+  EXPECT_EQ(stUIStatus.s8InterfaceState, INTERFACE_OBSERVE);
   EXPECT_EQ(log_.events(), std::vector<int>{8247});
   EXPECT_EQ(keys(), hit(49));
 }
