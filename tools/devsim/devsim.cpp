@@ -129,12 +129,16 @@ struct LongBinding {
   char key;
   uint8_t long_press;
   uint8_t release;
+  const char* what;
 };
 
 constexpr LongBinding LONG_KEYS[] = {
-    {'U', KEY_FOCUS_UP_L, KEY_FOCUS_UP_L_POP}, {'D', KEY_FOCUS_DOWN_L, KEY_FOCUS_DOWN_L_POP},
-    {'P', KEY_POWER_L, KEY_POWER_L_POP},       {'C', KEY_PHOTO_L, KEY_PHOTO_L_POP},
-    {'F', KEY_FUCTION_L, KEY_FUCTION_L_POP},   {'R', KEY_RANGE_L, KEY_RANGE_L_POP},
+    {'U', KEY_FOCUS_UP_L, KEY_FOCUS_UP_L_POP, "up held (again: released)"},
+    {'D', KEY_FOCUS_DOWN_L, KEY_FOCUS_DOWN_L_POP, "down held (again: released)"},
+    {'P', KEY_POWER_L, KEY_POWER_L_POP, "power held (again: released)"},
+    {'C', KEY_PHOTO_L, KEY_PHOTO_L_POP, "photo held (again: released)"},
+    {'F', KEY_FUCTION_L, KEY_FUCTION_L_POP, "function held (again: released)"},
+    {'R', KEY_RANGE_L, KEY_RANGE_L_POP, "range held (again: released)"},
 };
 
 void print_key_map() {
@@ -144,8 +148,8 @@ void print_key_map() {
     std::printf("  %c  %-42s %s\n", k.key, k.what, framedec::button_name(k.button));
   }
   for (const LongBinding& k : LONG_KEYS) {
-    std::printf("  %c  long press / release %-20s %s / %s\n", k.key, "",
-                framedec::button_name(k.long_press), framedec::button_name(k.release));
+    std::printf("  %c  %-42s %s / %s\n", k.key, k.what, framedec::button_name(k.long_press),
+                framedec::button_name(k.release));
   }
   std::printf("  space  release every held button\n");
   std::printf(
