@@ -37,8 +37,14 @@ constexpr int BATCH = 20000;
 
 std::vector<uint8_t> make_frame(uint8_t type, uint8_t command, uint8_t sub,
                                 std::vector<uint8_t> values) {
-  std::vector<uint8_t> f = {0xaa, static_cast<uint8_t>(6 + values.size()), type, command, sub, 0};
-  f.insert(f.end(), values.begin(), values.end());
+  std::vector<uint8_t> f;
+  f.reserve(values.size() + 9);
+  for (uint8_t b :
+       {uint8_t(0xaa), static_cast<uint8_t>(6 + values.size()), type, command, sub, uint8_t(0)}) {
+    f.push_back(b);
+  }
+  for (uint8_t b : values)
+    f.push_back(b);
   unsigned sum = 0;
   for (uint8_t b : f)
     sum += b;
