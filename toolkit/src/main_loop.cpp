@@ -17,8 +17,10 @@ Global* s_global = nullptr;
 main_loop_t s_main_loop{0};
 // Steps at one instant before the loop decides something keeps re-adding work.
 constexpr int kMaxStepsPerInstant = 1000;
-// Longest real wait between two steps (one frame at 60 Hz).
-constexpr uint32_t kFrameMs = 16;
+// Longest real wait between two steps when nothing is scheduled. Input, posts from other
+// threads and the next due timer (or held key's long press) all end the wait earlier, so an
+// idle UI sleeps instead of stepping at a frame rate.
+constexpr uint32_t kIdleWaitMs = 1000;
 
 uint64_t real_elapsed_ms() {
   auto d = std::chrono::steady_clock::now() - g().start;
@@ -425,7 +427,7 @@ bool run_loop(bool (*done)(void*), void* ctx, const char* who) {
       }
       continue;
     }
-    uint32_t wait = kFrameMs;
+    uint32_t wait = kIdleWaitMs;
     uint64_t when;
     if (steps_here >= kMaxStepsPerInstant) {
       wait = 1;
