@@ -36,7 +36,9 @@ void print_language_config(void) {
 
 ret_t on_open_home_page(const timer_info_t* timer) {
   widget_t* logo = static_cast<widget_t*>(timer->ctx);
-  stUIStatus.s8IRZoom = 1;
+  // Every picture starts at 1x. The thermal zoom counts hundredths (100 = 1.00x, as the zoom
+  // read-out and the reticle geometry read it); the visible and fusion zooms count whole steps.
+  stUIStatus.s8IRZoom = 100;
   stUIStatus.s8VisiZoom = 1;
   stUIStatus.s8FuZoom = 1;
   widget_t* wm = window_manager();

@@ -119,7 +119,7 @@ TEST(DeviceModel, AnswersTheReadyFrameWithTheStartUpRecords) {
   Recorder r;
   r.device.set_schedule(false);
   r.device.on_frame(framedec::build(8, 0, 0, std::vector<uint8_t>{0}));
-  ASSERT_EQ(r.sent.size(), 7u);
+  ASSERT_EQ(r.sent.size(), 8u);
   EXPECT_EQ(framedec::decode(r.sent[0], framedec::Direction::TO_UI),
             "PARAM  BASIC_PARAM  bytes=74");
   EXPECT_EQ(framedec::decode(r.sent[1], framedec::Direction::TO_UI),
@@ -128,6 +128,7 @@ TEST(DeviceModel, AnswersTheReadyFrameWithTheStartUpRecords) {
     EXPECT_EQ(framedec::decode(r.sent[2 + i], framedec::Direction::TO_UI),
               "PARAM  BALLISTIC_PARM  profile=" + std::to_string(i) + " bytes=240");
   }
+  EXPECT_EQ(r.sent[7], devsim::zoom_frame(100));
 }
 
 TEST(DeviceModel, RangingSingleAndContinuous) {

@@ -71,7 +71,7 @@ TEST_F(BootLogo, FirstStartShowsTheDefaultLanguageThenTheObservationScreen) {
 
   tk_testing_advance(1);
   EXPECT_EQ(tk_testing_window_names(), std::vector<std::string>{"Zavo_home_page_1"});
-  EXPECT_EQ(stUIStatus.s8IRZoom, 1);
+  EXPECT_EQ(stUIStatus.s8IRZoom, 100);  // 1.00x in hundredths
   EXPECT_EQ(stUIStatus.s8VisiZoom, 1);
   EXPECT_EQ(stUIStatus.s8FuZoom, 1);
 }

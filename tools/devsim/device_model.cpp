@@ -131,7 +131,8 @@ Inf_IR_Cursor default_zeroing() {
       zero.u16IrCursorDistance = static_cast<int16_t>(metres);
       zero.u16IrCursorDistanceYD = static_cast<int16_t>(metres * 1.0936);
       zero.s8IrCursorCurrentX = 640;
-      zero.s8IrCursorCurrentY = static_cast<int16_t>(640 + i * i * 6);  // farther zeros sit lower
+      // The screen centre; farther zeros sit lower.
+      zero.s8IrCursorCurrentY = static_cast<int16_t>(512 + i * i * 6);
     }
   }
   return z;
@@ -296,6 +297,15 @@ void Device::send_startup_records() {
   send_(record_frame(RETICLE_PARAM, 0, &zeroing_, sizeof(zeroing_)));
   for (uint8_t i = 0; i < 5; ++i) {
     send_(record_frame(BALLISTIC_PARM, i, &profiles_[i], sizeof(profiles_[i])));
+  }
+  // The picture starts at 1.00x: the UI learns the zoom only from the device.
+  send_(zoom_frame(100));
+  if (schedule_) {
+    // First readings at once rather than one period later, as a device does when its UI comes up.
+    send_(battery_type_frame(0));
+    send_battery();
+    send_compass();
+    send_wind();
   }
 }
 
