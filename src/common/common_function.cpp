@@ -257,6 +257,20 @@ int32_t Get_StorageData(uint32_t* used, uint32_t* total) {
 
 namespace {
 
+// The broken-down time both clocks take (struct tm and struct rtc_time share these fields):
+// months from 0, years from 1900, the rest zero.
+template <typename Time>
+Time broken_down(int hour, int minute, int second, int year, int month, int day) {
+  Time time{};
+  time.tm_sec = second;
+  time.tm_min = minute;
+  time.tm_hour = hour;
+  time.tm_mday = day;
+  time.tm_mon = month - 1;
+  time.tm_year = year - 1900;
+  return time;
+}
+
 // Writes "YYYY-MM-DD HH:MM:SS\n" over the content of `fd`; true on success.
 bool write_time_line(int fd, int hour, int minute, int second, int year, int month, int day) {
   char line[64];
@@ -274,13 +288,7 @@ int32_t rtc_set_time(int hour, int minute, int second, int year, int month, int 
     puts("open rtc_dev failed!");
     return -1;
   }
-  struct rtc_time time {};
-  time.tm_sec = second;
-  time.tm_min = minute;
-  time.tm_hour = hour;
-  time.tm_mday = day;
-  time.tm_mon = month - 1;
-  time.tm_year = year - 1900;
+  struct rtc_time time = broken_down<struct rtc_time>(hour, minute, second, year, month, day);
   // Inside a device tree the "device" is a plain file: it receives the time instead.
   const bool set = device_root_is_set()
                        ? write_time_line(rtc.fd, hour, minute, second, year, month, day)
@@ -293,13 +301,7 @@ int32_t rtc_set_time(int hour, int minute, int second, int year, int month, int 
 }
 
 int32_t sys_set_time(int hour, int minute, int second, int year, int month, int day) {
-  struct tm broken {};
-  broken.tm_sec = second;
-  broken.tm_min = minute;
-  broken.tm_hour = hour;
-  broken.tm_mday = day;
-  broken.tm_mon = month - 1;
-  broken.tm_year = year - 1900;
+  struct tm broken = broken_down<struct tm>(hour, minute, second, year, month, day);
   const time_t when = mktime(&broken);
   bool set = when != static_cast<time_t>(-1);
   if (set && device_root_is_set()) {
