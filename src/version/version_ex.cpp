@@ -18,8 +18,8 @@ std::string version_line(void) {
 void version_info_init(void) {
   const std::string line = version_line();
   const std::string file = device_path("/tmp/apps.version");
-  char command[512];
-  snprintf(command, sizeof command, "echo \"%s\" >> %s", line.c_str(), file.c_str());
-  if (system(command) != 0) printf("version line not written to %s\n", file.c_str());
+  // Built whole, never cut short: a truncated command would append to another file.
+  const std::string command = "echo \"" + line + "\" >> " + file;
+  if (system(command.c_str()) != 0) printf("version line not written to %s\n", file.c_str());
   printf("%s.\n", line.c_str());
 }
