@@ -36,8 +36,10 @@ void print_language_config(void) {
 
 ret_t on_open_home_page(const timer_info_t* timer) {
   widget_t* logo = static_cast<widget_t*>(timer->ctx);
-  // Every picture starts at 1x. The thermal zoom counts hundredths (100 = 1.00x, as the zoom
-  // read-out and the reticle geometry read it); the visible and fusion zooms count whole steps.
+  // Every picture starts at 1x. The thermal zoom is kept in hundredths by every reader of it (the
+  // zoom read-out, the reticle geometry, the device's zoom frames), so 1x is 100: a literal 1
+  // would read as 0.01x, showing "0.0X" and shrinking the reticle to a point. The visible and
+  // fusion zooms count whole steps.
   stUIStatus.s8IRZoom = 100;
   stUIStatus.s8VisiZoom = 1;
   stUIStatus.s8FuZoom = 1;
