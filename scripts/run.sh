@@ -25,9 +25,12 @@ top=$(pwd)
 build=$top/build/dev
 
 if [ "${SCOPE_RUN_STAGE:-}" != "namespace" ]; then
-  scripts/deps.sh
-  cmake --preset dev >/dev/null
-  cmake --build --preset dev --target inf_menu devsim sample_media backdrop
+  scripts/deps.sh || { echo "make run: the Debian packages above are missing; nothing started" >&2; exit 1; }
+  if ! cmake --preset dev >/dev/null ||
+    ! cmake --build --preset dev --target inf_menu devsim sample_media backdrop; then
+    echo "make run: the build failed; nothing started" >&2
+    exit 1
+  fi
 
   # Not root: re-run this script inside a user and mount namespace, where it may mount the tmpfs.
   if [ "$(id -u)" -ne 0 ] && [ "${SCOPE_RUN_TMPFS:-1}" = 1 ] && command -v unshare >/dev/null; then
@@ -42,30 +45,46 @@ if [ "${SCOPE_RUN_STAGE:-}" != "namespace" ]; then
   fi
 fi
 
-tree=$(mktemp -d "${TMPDIR:-/tmp}/scope-ui.XXXXXX")
-if [ -z "${SCOPE_MSG_KEYS:-}" ]; then
-  # A private pair of queue keys for this run, removed at the end.
-  send_key=$((0x53430000 + ($$ & 0xFFFF) * 2))
-  SCOPE_MSG_KEYS="$send_key,$((send_key + 1))"
-fi
-export SCOPE_MSG_KEYS SCOPE_UI_ROOT=$tree
-
+# From here on every exit, Ctrl-C included, stops both programs and removes the queues and the
+# tree; a second Ctrl-C cannot cut the clean-up short.
+tree=""
 ui_pid=""
 sim_pid=""
 cleanup() {
-  trap - EXIT INT TERM
+  trap '' INT TERM
+  trap - EXIT
   for pid in $ui_pid $sim_pid; do kill "$pid" 2>/dev/null || true; done
   wait 2>/dev/null || true
   for key in ${SCOPE_MSG_KEYS//,/ }; do ipcrm -Q "$key" 2>/dev/null || true; done
-  umount "$tree/usrdata/media" 2>/dev/null || true
-  rm -rf "$tree"
+  if [ -n "$tree" ]; then
+    umount "$tree/usrdata/media" 2>/dev/null || true
+    rm -rf "$tree"
+  fi
 }
 trap cleanup EXIT
 trap 'exit 130' INT
 trap 'exit 143' TERM
 
+if [ -z "${SCOPE_MSG_KEYS:-}" ]; then
+  # A private pair of queue keys for this run, removed at the end; a pair left behind by a run
+  # that was killed outright would hand its old frames to this one, so it goes first.
+  send_key=$((0x53430000 + ($$ & 0xFFFF) * 2))
+  SCOPE_MSG_KEYS="$send_key,$((send_key + 1))"
+  ipcrm -Q "$send_key" 2>/dev/null || true
+  ipcrm -Q "$((send_key + 1))" 2>/dev/null || true
+fi
+tree=$(mktemp -d "${TMPDIR:-/tmp}/scope-ui.XXXXXX")
+export SCOPE_MSG_KEYS SCOPE_UI_ROOT=$tree
+
 tree_args=()
-[ "$(id -u)" -eq 0 ] && [ "${SCOPE_RUN_TMPFS:-1}" = 1 ] && tree_args+=(--tmpfs)
+if [ "${SCOPE_RUN_TMPFS:-1}" = 1 ]; then
+  if [ "$(id -u)" -eq 0 ]; then
+    tree_args+=(--tmpfs)
+  else
+    echo "make run: no user namespace to mount a small card in; the media folder stays on the" \
+      "host disk, and a disk of 64 GiB or more shows as a card error"
+  fi
+fi
 tree_args+=(--language "${SCOPE_LANGUAGE:-English}")
 SAMPLE_MEDIA=$build/tools/sample_media/sample_media scripts/device-tree.sh "${tree_args[@]}" "$tree"
 
@@ -77,7 +96,8 @@ else
 fi
 
 if [ -z "${DISPLAY:-}${WAYLAND_DISPLAY:-}" ] || [ -n "${TK_HEADLESS:-}" ]; then
-  export TK_HEADLESS=1 TK_SCREENSHOT=$tree/screen.png
+  # Beside the log, not in the tree, so the last screen is still there after the run.
+  export TK_HEADLESS=1 TK_SCREENSHOT=$build/screen.png
   export TK_SCREENSHOT_EVERY_MS=${TK_SCREENSHOT_EVERY_MS:-1000}
   echo "no display: the scope UI runs headless; its screen is rewritten every" \
     "${TK_SCREENSHOT_EVERY_MS} ms to $TK_SCREENSHOT"
@@ -102,7 +122,15 @@ while kill -0 "$ui_pid" 2>/dev/null && kill -0 "$sim_pid" 2>/dev/null; do
   sleep 0.2
 done
 if ! kill -0 "$ui_pid" 2>/dev/null; then
-  echo "scope UI ended; stopping the device simulator"
+  status=0
+  wait "$ui_pid" || status=$?
+  ui_pid=""
+  echo "scope UI ended (exit status $status); stopping the device simulator"
+  if [ "$status" -ne 0 ]; then
+    echo "last lines of $log:"
+    tail -n 15 "$log"
+    exit "$status"
+  fi
 else
   echo "device simulator ended; stopping the scope UI"
 fi
