@@ -12,6 +12,7 @@
 #include <cstdio>
 
 #include "common/Zavo_reticle_zoom.h"
+#include "common/common_function.h"
 #include "common/status_records.h"
 #include "pages/Zavo_home_page_1_overlay.h"
 
@@ -43,13 +44,6 @@ static constexpr int64_t kMaxOffset = 1 << 20;
 static widget_t* find(widget_t* win, const char* name) {
   return widget_lookup(win, name, TRUE);
 }
-
-static ret_t report_null_window(const char* func, int line) {
-  log_error("%s:%d condition(win != NULL) failed!\n", func, line);
-  return RET_BAD_PARAMS;
-}
-#define RETURN_IF_NO_WINDOW(win) \
-  if ((win) == NULL) return report_null_window(__FUNCTION__, __LINE__)
 
 static int clamp_to_int(int64_t v) {
   if (v > INT32_MAX) return INT32_MAX;
@@ -94,10 +88,7 @@ static const Inf_Cursor_Zero* active_zero() {
 
 int Set_ZoomBallisticMove(int* out_x, int* out_y, float zoom, int target_x, int target_y,
                           int cursor_x, int cursor_y) {
-  if (out_x == NULL || out_y == NULL) {
-    log_error("%s:%d condition(out_x != NULL && out_y != NULL) failed!\n", __FUNCTION__, __LINE__);
-    return -1;
-  }
+  log_return_value_if_fail(out_x != NULL && out_y != NULL, -1);
   const int sx = scale_about(zoom, target_x, cursor_x);
   const int sy = scale_about(zoom, target_y, cursor_y);
   printf("tmpBallisticY CursorY BallisticY zoomval %d  %d %d %f !!!!!!! \n", target_y, cursor_y, sy,
@@ -115,10 +106,7 @@ int Set_ZoomBallisticMove(int* out_x, int* out_y, float zoom, int target_x, int 
 
 int Set_ZoomRangeMove(int* out_x, int* out_y, float zoom, int marker_x, int marker_y, int cursor_x,
                       int cursor_y) {
-  if (out_x == NULL || out_y == NULL) {
-    log_error("%s:%d condition(out_x != NULL && out_y != NULL) failed!\n", __FUNCTION__, __LINE__);
-    return -1;
-  }
+  log_return_value_if_fail(out_x != NULL && out_y != NULL, -1);
   const int sx = scale_about(zoom, marker_x, cursor_x);
   const int sy = scale_about(zoom, marker_y, cursor_y);
   // The zoom is printed in hundredths, the unit the device reports it in.
@@ -134,10 +122,7 @@ int Set_ZoomRangeMove(int* out_x, int* out_y, float zoom, int marker_x, int mark
 }
 
 int Set_Zoom_Pip_BallisticMove(int* out_x, int* out_y, float zoom, int move_x, int move_y) {
-  if (out_x == NULL || out_y == NULL) {
-    log_error("%s:%d condition(out_x != NULL && out_y != NULL) failed!\n", __FUNCTION__, __LINE__);
-    return 1;
-  }
+  log_return_value_if_fail(out_x != NULL && out_y != NULL, 1);
   const float x = static_cast<float>(move_x) * zoom * 2.0f + 639.0f;
   const float y = static_cast<float>(move_y) * zoom * 2.0f + 292.0f;
   *out_x = clamp_to_int(static_cast<int64_t>(trunc_to_int(x)) - 12);
@@ -154,9 +139,8 @@ float Keep_decimal_place(float v) {
 // ---- placement ----
 
 ret_t on_reticle_move(void* ctx, event_t* e) {
-  (void)e;
   widget_t* win = static_cast<widget_t*>(ctx);
-  RETURN_IF_NO_WINDOW(win);
+  log_return_value_if_fail(win != NULL, RET_BAD_PARAMS);
   const Inf_Cursor_Zero* zero = active_zero();
   if (zero == NULL) return RET_BAD_PARAMS;
   reticle_value_x = zero->s8IrCursorCurrentX;
@@ -171,9 +155,11 @@ ret_t on_reticle_move(void* ctx, event_t* e) {
   return RET_OK;
 }
 
-// A marker at zoom 1, centred on (x, y); an X outside 341..939 (read as a 16-bit quantity) parks
-// it at the screen centre. Y is used as it is.
-static void place_marker(widget_t* win, const char* name, int16_t x, int16_t y) {
+// A marker at zoom 1, centred on (x, y), after the line naming the two offsets it comes from
+// ("stDevStatus.<field>X=== .. stDevStatus.<field>Y===.."); an X outside 341..939 (read as a
+// 16-bit quantity) parks it at the screen centre. Y is used as it is.
+static void place_marker(widget_t* win, const char* name, const char* field, int16_t x, int16_t y) {
+  printf("stDevStatus.%sX=== %d stDevStatus.%sY===%d\n", field, x, field, y);
   const uint16_t ux = static_cast<uint16_t>(x);
   if (ux >= 341 && ux <= 939) {
     widget_move(find(win, name), x - 22, y - 22);
@@ -183,23 +169,17 @@ static void place_marker(widget_t* win, const char* name, int16_t x, int16_t y) 
 }
 
 ret_t on_Zavo_RangeReticle_move(void* ctx, event_t* e) {
-  (void)e;
   widget_t* win = static_cast<widget_t*>(ctx);
-  RETURN_IF_NO_WINDOW(win);
-  printf("stDevStatus.s16RangeOffsetX=== %d stDevStatus.s16RangeOffsetY===%d\n",
-         stDevStatus.s16RangeOffsetX, stDevStatus.s16RangeOffsetY);
-  place_marker(win, "image_reticle_range", stDevStatus.s16RangeOffsetX,
+  log_return_value_if_fail(win != NULL, RET_BAD_PARAMS);
+  place_marker(win, "image_reticle_range", "s16RangeOffset", stDevStatus.s16RangeOffsetX,
                stDevStatus.s16RangeOffsetY);
   return RET_OK;
 }
 
 ret_t on_Zavo_laserReticle_move(void* ctx, event_t* e) {
-  (void)e;
   widget_t* win = static_cast<widget_t*>(ctx);
-  RETURN_IF_NO_WINDOW(win);
-  printf("stDevStatus.s16LaserIndicatX=== %d stDevStatus.s16LaserIndicatY===%d\n",
-         stDevStatus.s16LaserIndicatX, stDevStatus.s16LaserIndicatY);
-  place_marker(win, "image_reticle_laser", stDevStatus.s16LaserIndicatX,
+  log_return_value_if_fail(win != NULL, RET_BAD_PARAMS);
+  place_marker(win, "image_reticle_laser", "s16LaserIndicat", stDevStatus.s16LaserIndicatX,
                stDevStatus.s16LaserIndicatY);
   return RET_OK;
 }
@@ -220,9 +200,8 @@ static void place_pip_aim_point(widget_t* win, float zoom, unsigned max_x, unsig
 // ---- zoom ----
 
 ret_t on_Zavo_All_Reticle_zoom(void* ctx, event_t* e) {
-  (void)e;
   widget_t* win = static_cast<widget_t*>(ctx);
-  RETURN_IF_NO_WINDOW(win);
+  log_return_value_if_fail(win != NULL, RET_BAD_PARAMS);
 
   // Zoom step: z is the picture's zoom, m the zoom of the main picture's marks, p the PIP
   // read-out. The first step above 1 never reads below 1.04.
@@ -297,9 +276,8 @@ static void set_hold_label(widget_t* win, const char* name, double v, char up, c
 }
 
 ret_t on_TOBRAN_ballistics_result_update(void* ctx, event_t* e) {
-  (void)e;
   widget_t* win = static_cast<widget_t*>(ctx);
-  RETURN_IF_NO_WINDOW(win);
+  log_return_value_if_fail(win != NULL, RET_BAD_PARAMS);
   widget_t* panel = find(win, "view_ballistics");
   widget_t* panel_bg = find(win, "view_bg_ballistic");
   if (stUIStatus.s8RangeMode == 3) {  // continuous ranging: the panel stays away

@@ -10,6 +10,7 @@
 #include <iterator>
 
 #include "common/Zavo_reticle_zoom.h"
+#include "common/common_function.h"
 #include "common/status_records.h"
 #include "pages/Zavo_home_page_1_overlay.h"
 
@@ -95,14 +96,6 @@ static uint8_t setting(char v) {
   return static_cast<uint8_t>(v);
 }
 
-// Argument check of every function here: a null window is reported and refused.
-static ret_t report_null_window(const char* func, int line) {
-  log_error("%s:%d condition(win != NULL) failed!\n", func, line);
-  return RET_BAD_PARAMS;
-}
-#define RETURN_IF_NO_WINDOW(win) \
-  if ((win) == NULL) return report_null_window(__FUNCTION__, __LINE__)
-
 // Letter of a marker colour: 0 "w", 1 "r", 2 "g"; NULL for anything else.
 static const char* marker_color_letter(uint8_t color) {
   switch (color) {
@@ -136,9 +129,8 @@ static ret_t set_marker_image(widget_t* win, const char* widget_name, const char
 // ---- reticle shape, colour and brightness ----
 
 ret_t on_Zavo_Reticle_switch(void* ctx, event_t* e) {
-  (void)e;
   widget_t* win = static_cast<widget_t*>(ctx);
-  RETURN_IF_NO_WINDOW(win);
+  log_return_value_if_fail(win != NULL, RET_BAD_PARAMS);
   printf("stDevStatus.s8ReticleSwitch =%d\n", stDevStatus.s8ReticleSwitch);
   widget_set_visible(find(win, "view_reticle_shoot"), stDevStatus.s8ReticleSwitch != 0);
   widget_set_visible(find(win, "view_pip_reticle"),
@@ -147,9 +139,8 @@ ret_t on_Zavo_Reticle_switch(void* ctx, event_t* e) {
 }
 
 ret_t on_reticle_type(void* ctx, event_t* e) {
-  (void)e;
   widget_t* win = static_cast<widget_t*>(ctx);
-  RETURN_IF_NO_WINDOW(win);
+  log_return_value_if_fail(win != NULL, RET_BAD_PARAMS);
   for (int shape = 0; shape < RETICLE_SHAPE_COUNT; ++shape) {
     widget_set_visible(find(win, kReticleGroupName[shape]), FALSE);
   }
@@ -178,7 +169,7 @@ static void first_color_numbered(widget_t* win, const char* format, int first, i
 }
 
 ret_t on_Zavo_ReticleShoot2_color(widget_t* win) {
-  RETURN_IF_NO_WINDOW(win);
+  log_return_value_if_fail(win != NULL, RET_BAD_PARAMS);
   first_color_numbered(win, "view_reticle2_w_%d", 1, 20, 1, "normal:bg_color");
   first_color_numbered(win, "view_reticle2_h_%d", 1, 10, 1, "normal:bg_color");
   first_color_views(win, kShoot2ColorExtra, std::size(kShoot2ColorExtra));
@@ -186,7 +177,7 @@ ret_t on_Zavo_ReticleShoot2_color(widget_t* win) {
 }
 
 ret_t on_Zavo_ReticleShoot6_color(widget_t* win) {
-  RETURN_IF_NO_WINDOW(win);
+  log_return_value_if_fail(win != NULL, RET_BAD_PARAMS);
   first_color_numbered(win, "view_reticle6_w_%d", 1, 20, 1, "normal:bg_color");
   first_color_numbered(win, "view_reticle6_h_%d", 1, 7, 1, "normal:bg_color");
   first_color_numbered(win, "label_reticle6_%d", 2, 12, 2, "normal:text_color");
@@ -194,7 +185,7 @@ ret_t on_Zavo_ReticleShoot6_color(widget_t* win) {
 }
 
 ret_t on_Zavo_ReticleShoot7_color(widget_t* win) {
-  RETURN_IF_NO_WINDOW(win);
+  log_return_value_if_fail(win != NULL, RET_BAD_PARAMS);
   first_color_numbered(win, "view_reticle7_w_%d", 1, 12, 1, "normal:bg_color");
   first_color_numbered(win, "view_reticle7_h_%d", 1, 26, 1, "normal:bg_color");
   first_color_numbered(win, "label_reticle7_%d", 1, 4, 1, "normal:text_color");
@@ -202,15 +193,14 @@ ret_t on_Zavo_ReticleShoot7_color(widget_t* win) {
 }
 
 ret_t on_Zavo_ReticleShoot8_color(widget_t* win) {
-  RETURN_IF_NO_WINDOW(win);
+  log_return_value_if_fail(win != NULL, RET_BAD_PARAMS);
   first_color_numbered(win, "view_reticle8_w_%d", 1, 3, 1, "normal:bg_color");
   return RET_OK;
 }
 
 ret_t on_reticle_color(void* ctx, event_t* e) {
-  (void)e;
   widget_t* win = static_cast<widget_t*>(ctx);
-  RETURN_IF_NO_WINDOW(win);
+  log_return_value_if_fail(win != NULL, RET_BAD_PARAMS);
   const uint8_t scheme = setting(stDevStatus.s8ReticleColour);
 
   first_color_views(win, kFirstColorElements, std::size(kFirstColorElements));
@@ -233,9 +223,8 @@ ret_t on_reticle_color(void* ctx, event_t* e) {
 }
 
 ret_t on_reticle_light(void* ctx, event_t* e) {
-  (void)e;
   widget_t* win = static_cast<widget_t*>(ctx);
-  RETURN_IF_NO_WINDOW(win);
+  log_return_value_if_fail(win != NULL, RET_BAD_PARAMS);
   widget_t* reticle = find(win, "view_reticle_shoot");
   switch (setting(stDevStatus.s8ReticleBrightness)) {
     case 0: widget_set_opacity(reticle, 150); break;
@@ -249,9 +238,8 @@ ret_t on_reticle_light(void* ctx, event_t* e) {
 // ---- aim point ----
 
 ret_t ballistics_reticle_type(void* ctx, event_t* e) {
-  (void)e;
   widget_t* win = static_cast<widget_t*>(ctx);
-  RETURN_IF_NO_WINDOW(win);
+  log_return_value_if_fail(win != NULL, RET_BAD_PARAMS);
   printf("stDevStatus.s8BallisticReticle ====%d\n", stDevStatus.s8BallisticReticle);
   for (int shape = 0; shape < AIM_SHAPE_COUNT; ++shape) {
     widget_set_visible(find(win, kReticleGroupName[GROUP_AIM1 + shape]), FALSE);
@@ -264,9 +252,8 @@ ret_t ballistics_reticle_type(void* ctx, event_t* e) {
 }
 
 ret_t ballistics_reticle_color(void* ctx, event_t* e) {
-  (void)e;
   widget_t* win = static_cast<widget_t*>(ctx);
-  RETURN_IF_NO_WINDOW(win);
+  log_return_value_if_fail(win != NULL, RET_BAD_PARAMS);
   const uint8_t color = setting(stDevStatus.s8BallisticReticleColor);
   if (color >= kMarkColor.size()) return RET_OK;
   for (const char* name : kAimPointElements)
@@ -277,9 +264,8 @@ ret_t ballistics_reticle_color(void* ctx, event_t* e) {
 // ---- picture-in-picture reticle and markers ----
 
 ret_t on_pip_reticle_change(void* ctx, event_t* e) {
-  (void)e;
   widget_t* win = static_cast<widget_t*>(ctx);
-  RETURN_IF_NO_WINDOW(win);
+  log_return_value_if_fail(win != NULL, RET_BAD_PARAMS);
   const bool first_shape = stDevStatus.s8PIPReticleType == 1;
   widget_set_visible(find(win, "view_pip_reticle_1_1"), first_shape);
   widget_set_visible(find(win, "view_pip_reticle_2_1"), !first_shape);
@@ -294,18 +280,16 @@ ret_t on_pip_reticle_change(void* ctx, event_t* e) {
 }
 
 ret_t on_laser_reticle_change(void* ctx, event_t* e) {
-  (void)e;
   widget_t* win = static_cast<widget_t*>(ctx);
-  RETURN_IF_NO_WINDOW(win);
+  log_return_value_if_fail(win != NULL, RET_BAD_PARAMS);
   return set_marker_image(win, "image_reticle_laser", "laser", laser_image_name,
                           setting(stDevStatus.s8LaserReticleType),
                           setting(stDevStatus.s8LaserReticleColor), __FUNCTION__);
 }
 
 ret_t on_range_reticle_change(void* ctx, event_t* e) {
-  (void)e;
   widget_t* win = static_cast<widget_t*>(ctx);
-  RETURN_IF_NO_WINDOW(win);
+  log_return_value_if_fail(win != NULL, RET_BAD_PARAMS);
   return set_marker_image(win, "image_reticle_range", "LRF", range_image_name,
                           setting(stDevStatus.s8RangeReticleType),
                           setting(stDevStatus.s8RangeReticleColor), __FUNCTION__);
@@ -314,10 +298,7 @@ ret_t on_range_reticle_change(void* ctx, event_t* e) {
 // ---- reticle image names ----
 
 char* getReticleImgName(const char* dir) {
-  if (dir == NULL) {
-    log_error("%s:%d condition(dir != NULL) failed!\n", __FUNCTION__, __LINE__);
-    return NULL;
-  }
+  log_return_value_if_fail(dir != NULL, NULL);
   int shape = 0;
   const uint8_t type = setting(stDevStatus.s8ReticleType);
   if (type >= 1 && type <= 4) {
