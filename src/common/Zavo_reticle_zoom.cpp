@@ -4,6 +4,8 @@
 #include <cmath>
 #include <cstdio>
 
+#include "common/common_function.h"
+
 // The products and sums below are rounded to float one operation at a time, as the geometry was
 // drawn; contracting them into fused multiply-adds could move a truncation by one pixel.
 #if defined(__clang__)
@@ -365,17 +367,30 @@ static_assert(count_group(GROUP_AIM1) + count_group(GROUP_AIM2) + count_group(GR
                   count_group(GROUP_AIM4) + count_group(GROUP_AIM5) ==
               24);  // with the two PIP aim-point lines, the 26 aim-point elements
 
-// Truncation of an in-range float without a double round trip.
-int trunc_float(float v) {
-  return trunc_to_int(static_cast<double>(v));
+// Value of a coordinate at d, every product and sum rounded to T (float for the reticle shapes,
+// double for the aim-point marks), truncated toward zero.
+template <typename T>
+int coord_at(const ReticleCoord& c, T d) {
+  const T base = c.base;
+  const T growth = static_cast<T>(c.k) * d;
+  switch (c.mode) {
+    case COORD_LINEAR: {
+      const T v = base + growth;
+      return trunc_to_int(v);
+    }
+    case COORD_TRUNC_GROWTH: {
+      const T v = base + static_cast<T>(trunc_to_int(growth));
+      return trunc_to_int(v);
+    }
+    case COORD_EVEN_GROWTH: return trunc_to_int(base) + h_value_handle(trunc_to_int(growth));
+  }
+  return trunc_to_int(base);
 }
 
-ret_t check_window(widget_t* win, const char* func, int line) {
-  if (win == NULL) {
-    log_error("%s:%d condition(win != NULL) failed!\n", func, line);
-    return RET_BAD_PARAMS;
-  }
-  return RET_OK;
+// The argument check of the layout functions, reported under the caller's name.
+bool window_given(widget_t* win, const char* func, int line) {
+  if (win == NULL) log_condition_failed(func, line, "win != NULL");
+  return win != NULL;
 }
 
 }  // namespace
@@ -396,36 +411,11 @@ int h_value_handle(int v) {
 }
 
 int reticle_coord_at(const ReticleCoord& c, float d) {
-  const float growth = c.k * d;
-  switch (c.mode) {
-    case COORD_LINEAR: {
-      const float v = c.base + growth;
-      return trunc_float(v);
-    }
-    case COORD_TRUNC_GROWTH: {
-      const float v = c.base + static_cast<float>(trunc_float(growth));
-      return trunc_float(v);
-    }
-    case COORD_EVEN_GROWTH: return trunc_float(c.base) + h_value_handle(trunc_float(growth));
-  }
-  return trunc_float(c.base);
+  return coord_at(c, d);
 }
 
 int reticle_coord_at_double(const ReticleCoord& c, double d) {
-  const double base = c.base;
-  const double growth = static_cast<double>(c.k) * d;
-  switch (c.mode) {
-    case COORD_LINEAR: {
-      const double v = base + growth;
-      return trunc_to_int(v);
-    }
-    case COORD_TRUNC_GROWTH: {
-      const double v = base + static_cast<double>(trunc_to_int(growth));
-      return trunc_to_int(v);
-    }
-    case COORD_EVEN_GROWTH: return trunc_to_int(base) + h_value_handle(trunc_to_int(growth));
-  }
-  return trunc_to_int(base);
+  return coord_at(c, d);
 }
 
 const int reticle_x_start[RETICLE_X_START_COUNT] = {
@@ -447,7 +437,7 @@ int lookup_reticle_x_start(int i) {
 }
 
 ret_t reticle_shape_layout(int shape, float m, widget_t* win) {
-  if (check_window(win, __FUNCTION__, __LINE__) != RET_OK) return RET_BAD_PARAMS;
+  if (!window_given(win, __func__, __LINE__)) return RET_BAD_PARAMS;
   if (shape < 0 || shape >= RETICLE_SHAPE_COUNT) return RET_BAD_PARAMS;
   const float d = m - 1.0f;
   for (const ReticleElement& e : kTable) {
@@ -467,7 +457,7 @@ ret_t reticle_shape_layout(int shape, float m, widget_t* win) {
 namespace {
 
 ret_t shape_zoom(int shape, float m, widget_t* win, const char* func, int line) {
-  if (check_window(win, func, line) != RET_OK) return RET_BAD_PARAMS;
+  if (!window_given(win, func, line)) return RET_BAD_PARAMS;
   const float d = m - 1.0f;
   printf("zoom_value===============%0.2f\n\n\n", d);
   return reticle_shape_layout(shape, m, win);
@@ -495,7 +485,7 @@ ret_t on_Zavo_ReticleShoot7_zoom(float m, widget_t* win) {
 }
 
 ret_t on_Zavo_ballistic_zoom(float m, widget_t* win) {
-  if (check_window(win, __FUNCTION__, __LINE__) != RET_OK) return RET_BAD_PARAMS;
+  if (!window_given(win, __func__, __LINE__)) return RET_BAD_PARAMS;
   const double d = static_cast<double>(m) - 1.0;
   for (const ReticleElement& e : kTable) {
     if (e.group < GROUP_AIM1 || e.zoom != ZOOM_MOVE) continue;
