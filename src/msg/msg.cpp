@@ -144,6 +144,7 @@ int32_t Inf_DeinitMsgEvent(void) {
   if (node.smsgid != -1) msgctl(node.smsgid, IPC_RMID, nullptr);
   if (node.rmsgid != -1) msgctl(node.rmsgid, IPC_RMID, nullptr);
   node.smsgid = -1;
+  node.rmsgid = -1;
   store_callback(nullptr);
   return 0;
 }

@@ -432,10 +432,24 @@ void Inf_LinkNavigate(const char* name) {
   });
 }
 
-void Inf_LinkTopWindowName(char* out, size_t size) {
-  if (out == nullptr || size == 0) return;
-  std::string name = top_window_name();
-  std::snprintf(out, size, "%s", name.c_str());
+void Inf_LinkReset(void) {
+  {
+    std::lock_guard<std::mutex> guard(mailbox.lock);
+    mailbox.items.clear();
+    mailbox.event_pending.fill(false);
+    mailbox.unfoldable_events = 0;
+    mailbox.keys = 0;
+    mailbox.navigations = 0;
+    mailbox.last_navigation.clear();
+    mailbox.scheduled = 0;
+    mailbox.running = 0;
+    mailbox.stats = Inf_LinkStats{};
+  }
+  drain_retry.store(false);
+  frames_received.store(0);
+  frames_dropped.store(0);
+  updata_notice_flag = 0;
+  timer_id_shutter = 0;
 }
 
 Inf_LinkStats Inf_GetLinkStats(void) {

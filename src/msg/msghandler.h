@@ -351,9 +351,10 @@ bool Inf_LinkIsIdle(void);
 // Asks for a navigation on the UI thread, in order with the screen events and keys already
 // queued. Callable from any thread; `name` is copied.
 void Inf_LinkNavigate(const char* name);
-// Name of the window on top as the link sees it: the target of a navigation it has queued and
-// not finished yet, else the toolkit's top window ("" when there is none).
-void Inf_LinkTopWindowName(char* out, size_t size);
+// Returns the hand-off and the inbound side to a fresh start: nothing pending, counters at zero,
+// no firmware-update notice seen, no shutter timer. Only for a toolkit that was itself started
+// afresh while no listener thread dispatches (test cases do this; the product starts once).
+void Inf_LinkReset(void);
 
 // ---- inbound ----
 void msgEventCallback(Inf_MsgText* text, void* ctx);
