@@ -138,20 +138,6 @@ constexpr Name BUTTON_NAMES[] = {
     N(KEY_RANGE_L),       N(KEY_RANGE_L_POP),      N(KEY_PHOTO_FUCTION_S), N(KEY_RANGE_FUCTION_S),
     N(KEY_RANGE_PHOTO_S), N(KEY_UP_POWER_L)};
 
-constexpr Name GUI_KEY_NAMES[] = {
-    N(GUI_KEY_PHOTO_L),        N(GUI_KEY_POWER_S),         N(GUI_KEY_POWER_L),
-    N(GUI_KEY_FOCUS_UP_S),     N(GUI_KEY_FOCUS_UP_L),      N(GUI_KEY_FOCUS_DOWN_S),
-    N(GUI_KEY_FOCUS_DOWN_L),   N(GUI_KEY_FUCTION_S),       N(GUI_KEY_FUCTION_L),
-    N(GUI_KEY_PHOTO_S),        N(GUI_KEY_FUCTION_L_POP),   N(GUI_KEY_POWER_L_POP),
-    N(GUI_KEY_DOWN_L_Release), N(GUI_KEY_PHOTO_L_POP),     N(GUI_KEY_RANGE_L_POP),
-    N(GUI_KEY_UP_L_Release),   N(GUI_KEY_RANGE_S),         N(GUI_KEY_RANGE_L),
-    N(GUI_KEY_RANGE_PHOTO_S),  N(GUI_KEY_RANGE_FUCTION_S), N(GUI_KEY_PHOTO_FUCTION_S),
-    N(GUI_KEY_UP_POWER_L)};
-
-#define SCREEN_EVENT_NAME_ITEM(offset, name) {EVT_USER_START_NUMBER + offset, #name},
-constexpr int EVT_USER_START_NUMBER = 8192;
-constexpr Name SCREEN_EVENT_NAMES[] = {SCREEN_EVENT_LIST(SCREEN_EVENT_NAME_ITEM)};
-#undef SCREEN_EVENT_NAME_ITEM
 #undef N
 
 struct Alias {
@@ -233,6 +219,17 @@ std::string value_of(int v) {
   return "value=" + std::to_string(v);
 }
 
+// The fields every frame has: type, command, sub-command, the values and their count, and the
+// type's name ("" when it has none).
+struct Parts {
+  int type;
+  int cmd;
+  int sub;
+  const uint8_t* v;
+  int nvalues;
+  std::string family;
+};
+
 // Items of a ballistic frame that carry a float (the others carry bytes or 16-bit pairs).
 bool ballistic_item_is_float(int index, int item) {
   switch (index) {
@@ -248,14 +245,8 @@ bool ballistic_item_is_float(int index, int item) {
   }
 }
 
-std::string decode_from_ui(const uint8_t* f, int L) {
-  const int type = f[2];
-  const int cmd = f[3];
-  const int sub = f[4];
-  const uint8_t* v = f + 6;
-  const int nvalues = L - 6;
-  const std::string family =
-      type_name(static_cast<uint8_t>(type)) ? type_name(static_cast<uint8_t>(type)) : "";
+std::string decode_from_ui(const Parts& parts) {
+  const auto& [type, cmd, sub, v, nvalues, family] = parts;
 
   switch (type) {
     case 0:
@@ -347,14 +338,8 @@ std::string decode_from_ui(const uint8_t* f, int L) {
   return "";
 }
 
-std::string decode_to_ui(const uint8_t* f, int L) {
-  const int type = f[2];
-  const int cmd = f[3];
-  const int sub = f[4];
-  const uint8_t* v = f + 6;
-  const int nvalues = L - 6;
-  const std::string family =
-      type_name(static_cast<uint8_t>(type)) ? type_name(static_cast<uint8_t>(type)) : "";
+std::string decode_to_ui(const Parts& parts) {
+  const auto& [type, cmd, sub, v, nvalues, family] = parts;
 
   switch (type) {
     case 0:
@@ -524,12 +509,12 @@ std::string decode(std::span<const uint8_t> frame, Direction direction) {
   FrameError error = check(frame);
   if (error != FrameError::OK) return std::string("BAD FRAME (") + error_name(error) + ")";
   const int L = frame[1];
-  std::string text = direction == Direction::FROM_UI ? decode_from_ui(frame.data(), L)
-                                                     : decode_to_ui(frame.data(), L);
+  const char* name = type_name(frame[2]);
+  const Parts parts{frame[2], frame[3], frame[4], frame.data() + 6, L - 6, name ? name : ""};
+  std::string text = direction == Direction::FROM_UI ? decode_from_ui(parts) : decode_to_ui(parts);
   if (!text.empty()) return text;
   // A frame this decoder has no name for: show its raw fields.
-  const char* family = type_name(frame[2]);
-  std::string out = family != nullptr ? family : "TYPE_" + std::to_string(frame[2]);
+  std::string out = name != nullptr ? name : "TYPE_" + std::to_string(frame[2]);
   out += "  cmd=" + std::to_string(frame[3]) + "  sub=" + std::to_string(frame[4]);
   if (L > 6) out += "  values=" + hex(frame.subspan(6, static_cast<size_t>(L - 6)));
   return out;
@@ -540,12 +525,6 @@ const char* type_name(uint8_t type) {
 }
 const char* button_name(uint8_t button) {
   return find(BUTTON_NAMES, button);
-}
-const char* gui_key_name(int code) {
-  return find(GUI_KEY_NAMES, code);
-}
-const char* screen_event_name(int event) {
-  return find(SCREEN_EVENT_NAMES, event);
 }
 
 std::optional<uint8_t> button_from_name(std::string_view name) {

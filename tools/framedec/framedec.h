@@ -46,9 +46,6 @@ std::string decode(std::span<const uint8_t> frame, Direction direction);
 // Names of the protocol's codes; nullptr when the code has none.
 const char* type_name(uint8_t type);
 const char* button_name(uint8_t button);  // KEY_* (byte 6 of a key frame)
-const char* gui_key_name(int code);       // GUI_KEY_* (codes the pages receive)
-// "SCREEN_EVT_BATTERY" for 8207; nullptr for a number outside the list.
-const char* screen_event_name(int event);
 
 // A button from its KEY_* name, its number, or a short alias ("up", "up-long", "up-pop",
 // "down", "power", "photo", "function" (or "ok"), "range", each with "-long" and "-pop", and
