@@ -67,28 +67,6 @@ constexpr Verb VERBS[] = {
     {"quit", Op::QUIT, 0, 0},
 };
 
-// The long-press and release codes of the six buttons that have them.
-std::optional<uint8_t> long_code(const std::string& base, bool release) {
-  struct Row {
-    const char* name;
-    uint8_t long_press;
-    uint8_t pop;
-  };
-  static constexpr Row ROWS[] = {
-      {"up", KEY_FOCUS_UP_L, KEY_FOCUS_UP_L_POP},
-      {"down", KEY_FOCUS_DOWN_L, KEY_FOCUS_DOWN_L_POP},
-      {"power", KEY_POWER_L, KEY_POWER_L_POP},
-      {"photo", KEY_PHOTO_L, KEY_PHOTO_L_POP},
-      {"function", KEY_FUCTION_L, KEY_FUCTION_L_POP},
-      {"ok", KEY_FUCTION_L, KEY_FUCTION_L_POP},
-      {"range", KEY_RANGE_L, KEY_RANGE_L_POP},
-  };
-  for (const Row& row : ROWS) {
-    if (base == row.name) return release ? row.pop : row.long_press;
-  }
-  return std::nullopt;
-}
-
 }  // namespace
 
 std::optional<Command> parse_command(std::string_view line, std::string* error) {
@@ -130,8 +108,9 @@ std::optional<Command> parse_command(std::string_view line, std::string* error) 
       *error = "\"" + verb + "\" needs one button";
       return std::nullopt;
     }
-    std::optional<uint8_t> button = verb == "press" ? framedec::button_from_name(words[1])
-                                                    : long_code(words[1], verb == "release");
+    // "long up" is the alias "up-long", "release up" is "up-pop".
+    const std::string suffix = verb == "long" ? "-long" : verb == "release" ? "-pop" : "";
+    std::optional<uint8_t> button = framedec::button_from_name(words[1] + suffix);
     if (!button) {
       *error = "unknown button \"" + words[1] + "\"";
       return std::nullopt;
