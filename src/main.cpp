@@ -23,6 +23,9 @@ wh_t screen_side(const char* arg, wh_t fallback) {
 }  // namespace
 
 int main(int argc, char* argv[]) {
+  // Line by line even into a log file or a pipe: the log then holds every line up to a crash,
+  // in the order the user interface and listener threads printed them.
+  setvbuf(stdout, NULL, _IOLBF, 0);
   printf("%s:%d\n", "main", __LINE__);
   wh_t width = SCREEN_W;
   wh_t height = SCREEN_H;
