@@ -111,10 +111,8 @@ echo "scope UI output: $log (tail -f it in another terminal)"
 exec 3<&0
 "$build/tools/devsim/devsim" --remove-queues-on-exit <&3 &
 sim_pid=$!
-# Line-buffered, so the log follows the run (a file would otherwise get 4 KiB blocks).
-line_buffered=()
-command -v stdbuf >/dev/null && line_buffered=(stdbuf -oL -eL)
-"${line_buffered[@]}" "$build/src/inf_menu" >"$log" 2>&1 </dev/null &
+# inf_menu writes its output line by line, so the log follows the run.
+"$build/src/inf_menu" >"$log" 2>&1 </dev/null &
 ui_pid=$!
 
 # Whichever ends first ends the run.
