@@ -208,6 +208,12 @@ ret_t on_Zavo_All_Reticle_zoom(void* ctx, event_t* e) {
   float z = static_cast<float>(stUIStatus.s8IRZoom * 0.01);
   printf("zoom_origin = %.2f\n", z);
   if (z > 1.0 && z < 1.04) z = static_cast<float>(1.04);
+  // The electronic zoom never goes below 1.00. A smaller value (none reported yet, or a corrupt
+  // one) would shrink the reticle to a point and read "0.0X": it is drawn at 1.00 instead.
+  if (stUIStatus.s8IRZoom < 100) {
+    printf("zoom %d is below 1.00, drawn at 1.00\n", stUIStatus.s8IRZoom);
+    z = 1.0f;
+  }
   float p = 0.0f;
   float m = 0.0f;
   const bool pip_on = stDevStatus.s8VideoMode == 3;
