@@ -77,5 +77,9 @@ void home_photo_flash_show(widget_t* win);
 // clock on the new window when a recording runs.
 void home_timers_reset(void);
 void home_record_resume(widget_t* win);
+// Forgets the page's timers (without removing them), blink state and recording clock, as before
+// the first home window: for a toolkit that has dropped every timer at once (a test harness's
+// reset).
+void home_state_forget(void);
 
 #endif  // SCOPE_PAGES_ZAVO_HOME_PAGE_1_H

@@ -73,6 +73,11 @@ widget_t* as_window(void* ctx) {
   return static_cast<widget_t*>(ctx);
 }
 
+ret_t show_when(void* ctx, const char* name, bool visible) {
+  set_visible(as_window(ctx), name, visible);
+  return RET_OK;
+}
+
 // The open home window, or null. Plain timers (not bound to a widget) look it up on each tick.
 widget_t* home_window() {
   return widget_child(window_manager(), HOME_WINDOW);
@@ -212,25 +217,43 @@ ret_t on_Zavo_battery_display(void* ctx, event_t* e) {
   return RET_OK;
 }
 
+// ---- the simple icons: each shown exactly while one field holds ----
+
 ret_t on_Zavo_battery_type_display(void* ctx, event_t* e) {
-  set_visible(as_window(ctx), "image_Zavo_usb_connect", stUIStatus.s8BatteryType == 1);
-  return RET_OK;
+  return show_when(ctx, "image_Zavo_usb_connect", stUIStatus.s8BatteryType == 1);
 }
 
 ret_t on_status_mic_display(void* ctx, event_t* e) {
-  set_visible(as_window(ctx), "image_Zavo_mic", stDevStatus.s8MicroSwitch == 1);
-  return RET_OK;
+  return show_when(ctx, "image_Zavo_mic", stDevStatus.s8MicroSwitch == 1);
 }
 
 ret_t on_Reticle_Value_display(void* ctx, event_t* e) {
-  set_visible(as_window(ctx), "label_reticle_value", stDevStatus.s8ReticleMenuSwitch != 0);
-  return RET_OK;
+  return show_when(ctx, "label_reticle_value", stDevStatus.s8ReticleMenuSwitch != 0);
 }
 
 ret_t on_status_RAV_switch(void* ctx, event_t* e) {
-  set_visible(as_window(ctx), "image_Zavo_RAV", stDevStatus.s8RecoilState != 0);
-  return RET_OK;
+  return show_when(ctx, "image_Zavo_RAV", stDevStatus.s8RecoilState != 0);
 }
+
+ret_t on_standby_display(void* ctx, event_t* e) {
+  return show_when(ctx, "view_standby", stUIStatus.s8InterfaceState == INTERFACE_AOD);
+}
+
+ret_t on_Zavo_WIFI_Switch(void* ctx, event_t* e) {
+  return show_when(ctx, "image_Zavo_wifi", stUIStatus.s8WifiSwitch == 1);
+}
+
+// The shutter icon has two writers on purpose: strong-light protection shows it, and so does a
+// closed shutter; the last event wins.
+ret_t on_Zavo_BrightLight_event(void* ctx, event_t* e) {
+  return show_when(ctx, "image_Zavo_shutter", stUIStatus.s8IrBrightLight == 1);
+}
+
+ret_t Zavo_shutter_Open(void* ctx, event_t* e) {
+  return show_when(ctx, "image_Zavo_shutter", stUIStatus.s8ShutterState != 0);
+}
+
+// ---- the other status handlers ----
 
 ret_t on_status_RAV_display(void* ctx, event_t* e) {
   if (timer_id_RAV != 0) {
@@ -238,28 +261,6 @@ ret_t on_status_RAV_display(void* ctx, event_t* e) {
     Rav_count = 0;
   }
   timer_id_RAV = widget_add_timer(as_window(ctx), on_RAV_end, 500);
-  return RET_OK;
-}
-
-ret_t on_standby_display(void* ctx, event_t* e) {
-  set_visible(as_window(ctx), "view_standby", stUIStatus.s8InterfaceState == INTERFACE_AOD);
-  return RET_OK;
-}
-
-ret_t on_Zavo_WIFI_Switch(void* ctx, event_t* e) {
-  set_visible(as_window(ctx), "image_Zavo_wifi", stUIStatus.s8WifiSwitch == 1);
-  return RET_OK;
-}
-
-// The shutter icon has two writers on purpose: strong-light protection shows it, and so does a
-// closed shutter; the last event wins.
-ret_t on_Zavo_BrightLight_event(void* ctx, event_t* e) {
-  set_visible(as_window(ctx), "image_Zavo_shutter", stUIStatus.s8IrBrightLight == 1);
-  return RET_OK;
-}
-
-ret_t Zavo_shutter_Open(void* ctx, event_t* e) {
-  set_visible(as_window(ctx), "image_Zavo_shutter", stUIStatus.s8ShutterState != 0);
   return RET_OK;
 }
 
@@ -488,4 +489,21 @@ void home_record_resume(widget_t* win) {
   if (record_status.status != 1) return;
   set_visible(win, "video_view", true);
   record_status.timer_id = static_cast<int32_t>(widget_add_timer(win, on_Zavo_record_start, 200));
+}
+
+// Back to the state of a process that has not opened the page yet: timer ids forgotten (not
+// removed: their timers are already gone), blink phases and counts, the recording clock and the
+// battery percentage. The scope never needs this; a test harness that resets the whole toolkit
+// between cases does, so that no case inherits another's timers.
+void home_state_forget(void) {
+  for (uint32_t* id : {&timer_id_range_1, &timer_id_range_2, &timer_id_record_1, &timer_id_RAV,
+                       &timer_id_image_wind, &timer_id_temp_remind}) {
+    *id = 0;
+  }
+  Rav_count = 0;
+  rav_phase = false;
+  temp_phase = false;
+  wind_phase = false;
+  record_status = record{};
+  percent_battery = 0;
 }
