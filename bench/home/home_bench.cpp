@@ -2,18 +2,12 @@
 // the battery icon (and checks the shut-down rule), and the screen repaints what changed.
 // Target: one battery event with its redraw within 1 ms.
 #include <benchmark/benchmark.h>
-#include <unistd.h>
 
 #include <cstdlib>
-#include <cstring>
-#include <string>
 
-#include "common/common_function.h"
-#include "common/navigator.h"
 #include "common/status_records.h"
-#include "msg/msg.h"
+#include "home_scene.h"
 #include "msg/msghandler.h"
-#include "pages/Zavo_home_page_1.h"
 #include "tk_testing.h"
 
 namespace {
@@ -24,22 +18,13 @@ void open_home() {
   static bool started = false;
   if (started) return;
   started = true;
-  int base = 0x5E000000 + (static_cast<int>(getpid()) & 0xFFFFF) * 2;
-  std::string keys = std::to_string(base) + "," + std::to_string(base + 1);
-  setenv(MSG_KEYS_ENV, keys.c_str(), 1);
-  setenv("TK_HEADLESS", "1", 1);
-  tk_testing_init();
-  Inf_InitMsgEvent(msgEventCallback);
-  std::atexit([] { Inf_DeinitMsgEvent(); });
-  std::memset(&stDevStatus, 0, sizeof(stDevStatus));
-  std::memset(&stUIStatus, 0, sizeof(stUIStatus));
-  stUIStatus.event_distrubut_reday = 1;
-  stUIStatus.s8IRZoom = 100;
+  if (!home_scene_start(0x5E000000)) std::exit(1);
+  std::atexit(home_scene_stop);
+  home_scene_records();
   stDevStatus.s8CompassSwitch = 1;
   stDevStatus.s8RangeSwitch = 1;
   stUIStatus.s8WifiSwitch = 1;
-  navigator_to("Zavo_home_page_1");
-  tk_testing_advance(0);
+  home_scene_open();
   tk_testing_paint();
 }
 

@@ -8,15 +8,12 @@
 
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
 #include <fstream>
 #include <iostream>
 #include <string>
 
-#include "common/Zavo_reticle_zoom.h"
-#include "common/navigator.h"
 #include "common/status_records.h"
-#include "msg/msg.h"
+#include "home_scene.h"
 #include "msg/msghandler.h"
 #include "pages/Zavo_home_page_1_overlay.h"
 #include "tk_testing.h"
@@ -40,35 +37,18 @@ void quiet_diagnostics() {
 widget_t* open_home(int type, bool pip) {
   static bool started = false;
   if (!started) {
-    const int base = 0x5F000000 + (static_cast<int>(getpid()) & 0xFFFFF) * 2;
-    const std::string keys = std::to_string(base) + "," + std::to_string(base + 1);
-    setenv(MSG_KEYS_ENV, keys.c_str(), 1);
-    setenv("TK_HEADLESS", "1", 1);
     quiet_diagnostics();
-    tk_testing_init();
-    Inf_InitMsgEvent(msgEventCallback);
-    std::atexit([] { Inf_DeinitMsgEvent(); });
+    if (!home_scene_start(0x5F000000)) std::exit(1);
+    std::atexit(home_scene_stop);
     started = true;
   }
   tk_testing_reset();
-  std::memset(&stDevStatus, 0, sizeof(stDevStatus));
-  std::memset(&stUIStatus, 0, sizeof(stUIStatus));
-  std::memset(&IR_Cursor, 0, sizeof(IR_Cursor));
-  std::memset(&result_ball, 0, sizeof(result_ball));
-  std::memset(info, 0, sizeof(info));
-  stUIStatus.event_distrubut_reday = 1;
-  stUIStatus.s8IRZoom = 100;
+  home_scene_records();
   stDevStatus.s8ReticleType = static_cast<char>(type);
   stDevStatus.s8VideoMode = pip ? 3 : 0;
   stDevStatus.s8RangeSwitch = 1;
   stUIStatus.s8LaserSwitch = 1;
   stDevStatus.s8BallisticReticle = 3;  // the hold marks that move with the zoom
-  for (auto& group : IR_Cursor.group) {
-    for (auto& zero : group.zero) {
-      zero.s8IrCursorCurrentX = 640;
-      zero.s8IrCursorCurrentY = 512;
-    }
-  }
   stDevStatus.s16RangeOffsetX = 660;
   stDevStatus.s16RangeOffsetY = 500;
   stDevStatus.s16LaserIndicatX = 620;
@@ -76,9 +56,7 @@ widget_t* open_home(int type, bool pip) {
   result_ball.moveX = 6;
   result_ball.moveY = -25;
   info[0].ballistics_sw = 1;
-  navigator_to("Zavo_home_page_1");
-  tk_testing_advance(0);
-  widget_t* win = widget_child(window_manager(), "Zavo_home_page_1");
+  widget_t* win = home_scene_open();
   tk_testing_paint();
   return win;
 }

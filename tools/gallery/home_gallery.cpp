@@ -7,22 +7,15 @@
 // through the navigator (its init draws everything from the records) and then drives keys and
 // screen events on the toolkit's test clock, as the device would. The device link runs on private
 // queues, so the frames the screen sends go nowhere.
-#include <unistd.h>
-
 #include <cstdio>
-#include <cstdlib>
-#include <cstring>
 #include <filesystem>
 #include <functional>
 #include <string>
 #include <vector>
 
-#include "common/common_function.h"
-#include "common/navigator.h"
 #include "common/status_records.h"
-#include "msg/msg.h"
+#include "home_scene.h"
 #include "msg/msghandler.h"
-#include "pages/Zavo_home_page_1.h"
 #include "tk_testing.h"
 
 namespace {
@@ -39,20 +32,7 @@ struct State {
 // A scope in the field: charged, Wi-Fi and microphone on, compass, range finder with a reading,
 // zero "C1 100y", reticle 0 in white at full brightness.
 void field_defaults() {
-  std::memset(&stDevStatus, 0, sizeof(stDevStatus));
-  std::memset(&stUIStatus, 0, sizeof(stUIStatus));
-  std::memset(&IR_Cursor, 0, sizeof(IR_Cursor));
-  std::memset(&result_ball, 0, sizeof(result_ball));
-  std::memset(info, 0, sizeof(info));
-  std::memset(&record_status, 0, sizeof(record_status));
-  stUIStatus.event_distrubut_reday = 1;
-  stUIStatus.s8IRZoom = 100;
-  for (auto& group : IR_Cursor.group) {
-    for (auto& zero : group.zero) {
-      zero.s8IrCursorCurrentX = 640;
-      zero.s8IrCursorCurrentY = 512;
-    }
-  }
+  home_scene_records();
   IR_Cursor.group[0].u8CurrentZero = 2;
   info[0].gun.scope.zeroRange_yard = 100;
   stDevStatus.s16RangeOffsetX = 652;
@@ -73,42 +53,35 @@ void field_defaults() {
   stUIStatus.s16CompassSlant = -1;
 }
 
-void raise(int offset) {
-  event_distrubution(EVT_USER_START + offset);
-  for (int i = 0; i < 8 && !Inf_LinkIsIdle(); ++i)
-    tk_testing_advance(0);
-  tk_testing_advance(0);
-}
-
 std::vector<State> states() {
   std::vector<State> list;
   for (int type = 0; type < 8; ++type) {
     static char names[8][32];
     std::snprintf(names[type], sizeof(names[type]), "observation_reticle_%d", type);
     list.push_back({names[type], [type] { stDevStatus.s8ReticleType = static_cast<char>(type); },
-                    [] { raise(SCREEN_EVT_DISTANCE); }});
+                    [] { home_scene_raise(SCREEN_EVT_DISTANCE); }});
   }
   list.push_back({"observation_two_colour",
                   [] {
                     stDevStatus.s8ReticleType = 3;
                     stDevStatus.s8ReticleColour = 7;  // red cross, white centre marks
                   },
-                  [] { raise(SCREEN_EVT_DISTANCE); }});
+                  [] { home_scene_raise(SCREEN_EVT_DISTANCE); }});
   list.push_back({"observation_zoom_1_0", [] { stDevStatus.s8ReticleType = 3; },
-                  [] { raise(SCREEN_EVT_DISTANCE); }});
+                  [] { home_scene_raise(SCREEN_EVT_DISTANCE); }});
   list.push_back({"observation_zoom_2_0",
                   [] {
                     stDevStatus.s8ReticleType = 3;
                     stUIStatus.s8IRZoom = 200;
                   },
-                  [] { raise(SCREEN_EVT_DISTANCE); }});
+                  [] { home_scene_raise(SCREEN_EVT_DISTANCE); }});
   list.push_back({"observation_pip",
                   [] {
                     stDevStatus.s8VideoMode = 3;
                     stUIStatus.s8IRZoom = 150;
                     stDevStatus.s8PIPReticleType = 1;
                   },
-                  [] { raise(SCREEN_EVT_DISTANCE); }});
+                  [] { home_scene_raise(SCREEN_EVT_DISTANCE); }});
   list.push_back({"observation_ballistic",
                   [] {
                     stDevStatus.s8ReticleType = 4;
@@ -118,14 +91,14 @@ std::vector<State> states() {
                     stUIStatus.s16WindSpeed = 2235;
                   },
                   [] {
-                    raise(SCREEN_EVT_DISTANCE);
+                    home_scene_raise(SCREEN_EVT_DISTANCE);
                     result_ball.moaV = -13.76;  // hold 4 mrad under and 0.5 mrad right
                     result_ball.moaH = 1.72;
-                    raise(SCREEN_EVT_BALLISTIC_RESULT);
+                    home_scene_raise(SCREEN_EVT_BALLISTIC_RESULT);
                   }});
   list.push_back({"observation_recording", [] { stDevStatus.s8RecoilState = 1; },
                   [] {
-                    raise(SCREEN_EVT_DISTANCE);
+                    home_scene_raise(SCREEN_EVT_DISTANCE);
                     tk_testing_key_hit(GUI_KEY_PHOTO_S);
                     tk_testing_advance((2 * 60 + 37) * 1000);
                   }});
@@ -155,16 +128,7 @@ int main(int argc, char** argv) {
   }
 
   // Private queues: nothing the screen sends reaches a running device or UI.
-  int base = 0x5D000000 + (static_cast<int>(getpid()) & 0xFFFFF) * 2;
-  std::string keys = std::to_string(base) + "," + std::to_string(base + 1);
-  setenv(MSG_KEYS_ENV, keys.c_str(), 1);
-  setenv("TK_HEADLESS", "1", 1);
-
-  tk_testing_init();
-  if (Inf_InitMsgEvent(msgEventCallback) != 0) {
-    std::fprintf(stderr, "home_gallery: the device link cannot start\n");
-    return 1;
-  }
+  if (!home_scene_start(0x5D000000)) return 1;
   int failures = 0;
   for (const State& s : states()) {
     tk_testing_reset();
@@ -175,14 +139,13 @@ int main(int argc, char** argv) {
     }
     field_defaults();
     s.before_open();
-    if (navigator_to("Zavo_home_page_1") != RET_OK) {
+    if (home_scene_open() == NULL) {
       std::fprintf(stderr, "home_gallery: %s: the observation screen does not open\n", s.name);
       failures++;
       continue;
     }
-    tk_testing_advance(0);
     stUIStatus.s16BatteryValue = g_battery;
-    raise(SCREEN_EVT_BATTERY);
+    home_scene_raise(SCREEN_EVT_BATTERY);
     s.after_open();
     std::string png = (out / (std::string(s.name) + ".png")).string();
     if (tk_testing_screenshot(png.c_str()) != RET_OK) {
@@ -191,6 +154,6 @@ int main(int argc, char** argv) {
     }
     std::printf("wrote %s\n", png.c_str());
   }
-  Inf_DeinitMsgEvent();
+  home_scene_stop();
   return failures == 0 ? 0 : 1;
 }
