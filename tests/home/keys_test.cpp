@@ -152,22 +152,18 @@ TEST_F(HomeKeysTest, LongRangeKeySwitchesTheFinderOnUnlessTheBatteryIsLow) {
   EXPECT_EQ(text("label_RngeValue"), "---- m");
 }
 
-TEST_F(HomeKeysTest, FunctionKeysHideTheCompassAndOpenTheMenus) {
+TEST_F(HomeKeysTest, FunctionKeysHideTheCompassAndOpenTheMenusOtherKeysDoNothing) {
   open_home();
+  for (uint32_t key : {GUI_KEY_POWER_S, GUI_KEY_FOCUS_UP_S, GUI_KEY_FOCUS_DOWN_S})
+    tk_testing_key_hit(key);
+  EXPECT_TRUE(sent_frames().empty());
+  EXPECT_EQ(tk_testing_window_names().back(), "Zavo_home_page_1");
   Zavo_menu1_index = 4;
   tk_testing_key_hit(GUI_KEY_FUCTION_L);
   EXPECT_EQ(stUIStatus.s8CompassTempOcclusion, 1);
   EXPECT_EQ(Zavo_menu1_index, 1);
   EXPECT_FALSE(shown("compass_azimuth"));
   EXPECT_TRUE(shown("compass_pitch"));
-}
-
-TEST_F(HomeKeysTest, OtherKeysDoNothing) {
-  open_home();
-  for (uint32_t key : {GUI_KEY_POWER_S, GUI_KEY_FOCUS_UP_S, GUI_KEY_FOCUS_DOWN_S})
-    tk_testing_key_hit(key);
-  EXPECT_TRUE(sent_frames().empty());
-  EXPECT_EQ(tk_testing_window_names().back(), "Zavo_home_page_1");
 }
 
 }  // namespace

@@ -54,23 +54,42 @@ TEST_F(OverlayTest, ReticleSwitchShowsThePipReticleOnlyWithPipAndSwitchOne) {
   }
 }
 
-// The centre marks, in the order the second colour is applied.
-const char* const CENTRE[] = {"view_reticle_h_2",   "view_reticle_w_2",   "view_PIP_Reticle_1",
-                              "view_PIP_Reticle_2", "view_reticle4_w_2",  "view_reticle4_h_1",
-                              "view_reticle3_w_2",  "view_reticle2_wh_1", "view_reticle5_w_2",
-                              "view_reticle5_h_2",  "view_reticle6_wh_1", "view_reticle8_w_2",
-                              "view_reticle7_h_1"};
+// The centre marks of the reticle shapes (the PIP reticle's two are checked beside them).
+bool centre_mark(const std::string& name) {
+  for (const char* centre :
+       {"view_reticle_h_2", "view_reticle_w_2", "view_reticle4_w_2", "view_reticle4_h_1",
+        "view_reticle3_w_2", "view_reticle2_wh_1", "view_reticle5_w_2", "view_reticle5_h_2",
+        "view_reticle6_wh_1", "view_reticle8_w_2", "view_reticle7_h_1"}) {
+    if (name == centre) return true;
+  }
+  return false;
+}
 
-TEST_F(OverlayTest, TwoColourSchemesDrawTheCentreMarksInTheSecondColour) {
-  stDevStatus.s8ReticleColour = 6;  // black cross, white centre marks
-  screen_event(SCREEN_EVT_RETICLE_COLOR);
-  for (const char* name : {"view_reticle_w_1", "view_reticle3_h_1", "view_reticle2_h_10",
-                           "view_reticle5_w_1", "view_reticle6_h_7", "view_reticle7_w_12"})
-    EXPECT_EQ(color(name), BLACK) << name;
-  EXPECT_EQ(color("view_reticle4_wh_1", "border_color"), BLACK);
-  EXPECT_EQ(color("label_reticle7_4", "text_color"), BLACK);
-  for (const char* name : CENTRE)
-    EXPECT_EQ(color(name), WHITE) << name;
+// Scheme 6 draws black with white centre marks; 3 draws everything green (shape 6's centre mark
+// takes only a second colour and keeps its white); 9, after 2, keeps the red frame and makes the
+// centre marks transparent.
+TEST_F(OverlayTest, ColourSchemesSixThreeAndNine) {
+  const struct {
+    int scheme;
+    uint32_t first, centre;
+  } schemes[] = {{6, BLACK, WHITE}, {3, GREEN, GREEN}, {2, RED, RED}, {9, RED, 0}};
+  for (const auto& c : schemes) {
+    stDevStatus.s8ReticleColour = static_cast<char>(c.scheme);
+    screen_event(SCREEN_EVT_RETICLE_COLOR);
+    for (const ReticleElement& e : reticle_elements()) {
+      if (e.group >= GROUP_AIM1) continue;
+      const char* prop = e.kind == ELEMENT_RING    ? "border_color"
+                         : e.kind == ELEMENT_LABEL ? "text_color"
+                                                   : "bg_color";
+      const bool kept = c.scheme <= 3 && e.name == std::string("view_reticle6_wh_1");
+      EXPECT_EQ(color(e.name, prop), kept                  ? WHITE
+                                     : centre_mark(e.name) ? c.centre
+                                                           : c.first)
+          << e.name << " scheme " << c.scheme;
+    }
+    EXPECT_EQ(color("view_PIP_Reticle_1"), c.centre) << c.scheme;
+    EXPECT_EQ(color("view_PIP_Reticle_2"), c.centre) << c.scheme;
+  }
   const uint32_t first[] = {WHITE, WHITE, BLACK, RED}, second[] = {BLACK, RED, WHITE, WHITE};
   for (int scheme = 4; scheme <= 7; ++scheme) {
     stDevStatus.s8ReticleColour = static_cast<char>(scheme);
@@ -78,38 +97,10 @@ TEST_F(OverlayTest, TwoColourSchemesDrawTheCentreMarksInTheSecondColour) {
     EXPECT_EQ(color("view_reticle7_w_1"), first[scheme - 4]) << scheme;
     EXPECT_EQ(color("view_reticle7_h_1"), second[scheme - 4]) << scheme;
   }
-}
-
-TEST_F(OverlayTest, SchemeThreeDrawsEveryElementGreen) {
-  stDevStatus.s8ReticleColour = 6;
+  stDevStatus.s8ReticleColour = static_cast<char>(200);  // a byte read unsigned: like 9
   screen_event(SCREEN_EVT_RETICLE_COLOR);
-  stDevStatus.s8ReticleColour = 3;
-  screen_event(SCREEN_EVT_RETICLE_COLOR);
-  for (const ReticleElement& e : reticle_elements()) {
-    if (e.group >= GROUP_AIM1) continue;
-    const char* prop = e.kind == ELEMENT_RING    ? "border_color"
-                       : e.kind == ELEMENT_LABEL ? "text_color"
-                                                 : "bg_color";
-    // Shape 6's centre mark takes only the second colour: it keeps the white of scheme 6.
-    EXPECT_EQ(color(e.name, prop), e.name == std::string("view_reticle6_wh_1") ? WHITE : GREEN)
-        << e.name;
-  }
-  EXPECT_EQ(color("view_PIP_Reticle_1"), GREEN);
-}
-
-TEST_F(OverlayTest, SchemeNineKeepsTheFrameAndMakesTheCentreMarksVanish) {
-  stDevStatus.s8ReticleColour = 2;
-  screen_event(SCREEN_EVT_RETICLE_COLOR);
-  for (int scheme : {9, 200}) {  // 200: a byte the device cannot mean, read unsigned
-    stDevStatus.s8ReticleColour = static_cast<char>(scheme);
-    screen_event(SCREEN_EVT_RETICLE_COLOR);
-    EXPECT_EQ(color("view_reticle_w_1"), RED);
-    EXPECT_EQ(color("view_reticle2_w_5"), RED);
-    EXPECT_EQ(color("view_reticle4_wh_1", "border_color"), RED);
-    EXPECT_EQ(color("label_reticle6_2", "text_color"), RED);
-    for (const char* name : CENTRE)
-      EXPECT_EQ(color(name), 0u) << name << " " << scheme;
-  }
+  EXPECT_EQ(color("view_reticle7_w_1"), RED);
+  EXPECT_EQ(color("view_reticle7_h_1"), 0u);
 }
 
 TEST_F(OverlayTest, BrightnessIsTheReticlesOpacity) {

@@ -128,28 +128,8 @@ TEST_F(ZoomTest, LayingOutTwiceChangesNothingAndOnlyTheSelectedShapeMoves) {
   EXPECT_EQ(box("view_reticle7_w_1"), (Box{540, 838, 150, 4}));
 }
 
-TEST_F(ZoomTest, ShapeFunctionsPrintTheirDTheInlineShapesDoNot) {
-  stDevStatus.s8ReticleType = 3;
-  stUIStatus.s8IRZoom = 150;
-  std::string out = printed([&] { screen_event(SCREEN_EVT_ZOOM); });
-  EXPECT_NE(out.find("zoom_origin = 1.50\n"), std::string::npos) << out;
-  EXPECT_NE(out.find("zoom_value===============0.50\n\n\n"), std::string::npos) << out;
-  stDevStatus.s8ReticleType = 0;
-  out = printed([&] { screen_event(SCREEN_EVT_ZOOM); });
-  EXPECT_EQ(out.find("zoom_value==============="), std::string::npos) << out;
-}
-
-// The zoom frame: type 1, INFRARED_ZOOM, hundredths little-endian.
-TEST_F(ZoomTest, ZoomFrameFromTheDeviceRelaysTheScreen) {
-  from_device(home_test::device_frame(1, 0, INFRARED_ZOOM, {200, 0}));
-  EXPECT_EQ(box("view_reticle_w_1"), (Box{690, 839, 125, 2}));
-  EXPECT_EQ(text("label_zoom_value"), "6.0X");
-  from_device(home_test::device_frame(1, 0, INFRARED_ZOOM, {100, 0}));
-  EXPECT_EQ(box("view_reticle_w_1"), (Box{765, 839, 62, 2}));
-  EXPECT_EQ(text("label_zoom_value"), "3.0X");
-}
-
-TEST_F(ZoomTest, ZoomStepReadOutsAndTheFloorAt104) {
+// Zoom frames from the device (type 1, INFRARED_ZOOM, hundredths little-endian) through the link.
+TEST_F(ZoomTest, ZoomFramesReadOutsAndTheFloorAt104) {
   const struct {
     int16_t zoom;
     char video_mode, reticle_move;
@@ -162,10 +142,13 @@ TEST_F(ZoomTest, ZoomStepReadOutsAndTheFloorAt104) {
       {200, 3, 1, "3.0X", "6.0X", 765},  // the reticle-moving page
       {0, 0, 0, "3.0X", "3.0X", 765},    // no zoom reported: 1.00, not "0.0X"
   };
+  stDevStatus.s8ReticleType = 0;
   for (const auto& s : steps) {
     stDevStatus.s8VideoMode = s.video_mode;
     stUIStatus.s8Enter_reticle_move = s.reticle_move;
-    zoom(0, s.zoom);
+    from_device(
+        home_test::device_frame(1, 0, INFRARED_ZOOM, {uint8_t(s.zoom), uint8_t(s.zoom >> 8)}));
+    EXPECT_EQ(stUIStatus.s8IRZoom, s.zoom);
     EXPECT_EQ(text("label_zoom_value"), s.label) << s.zoom;
     EXPECT_EQ(text("label_PIP_zoom_value"), s.pip_label) << s.zoom;
     EXPECT_EQ(box("view_reticle_w_1").x, s.arm_x) << s.zoom;
@@ -177,6 +160,16 @@ TEST_F(ZoomTest, ZoomStepReadOutsAndTheFloorAt104) {
 // Every zoomed element of the table keeps its angular meaning: a length L0 becomes about
 // L0 * (1 + d), the end nearest the centre (840, 840) stays at a distance growing in proportion,
 // line widths stay. Within the truncations (2 pixels), for d = 1 and 0.5.
+TEST_F(ZoomTest, ShapeFunctionsPrintTheirD) {
+  stUIStatus.s8IRZoom = 150;
+  for (int type = 2; type < 8; ++type) {
+    stDevStatus.s8ReticleType = static_cast<char>(type);
+    const std::string out = printed([&] { screen_event(SCREEN_EVT_ZOOM); });
+    EXPECT_NE(out.find("zoom_origin = 1.50\n"), std::string::npos) << out;
+    EXPECT_NE(out.find("zoom_value===============0.50\n\n\n"), std::string::npos) << type;
+  }
+}
+
 TEST(ReticleZoomRule, EveryShapeScalesAboutTheCentre) {
   const float c = 840.0f;
   for (const ReticleElement& e : reticle_elements()) {
