@@ -30,13 +30,17 @@ class StartUp : public DeviceTreeTest {
     write("/usrdata/release/first_language.txt", "first start\n");
     write("/tmp/apps.version", "PN:\t [ZVT35-6401]\nSW:\t [V3.1.4.0]\n");
     std::filesystem::create_directories(at("/usrdata/media"));
+    remove_queues();  // left behind by a run that was killed, with old frames in them
   }
   void TearDown() override {
     ui_.stop();
     sim_.stop();
-    for (int key : {keys_[0], keys_[1]})
-      msgctl(msgget(key, 0), IPC_RMID, nullptr);
+    remove_queues();
     DeviceTreeTest::TearDown();
+  }
+  void remove_queues() {
+    for (int key : keys_)
+      msgctl(msgget(key, 0), IPC_RMID, nullptr);
   }
 
   void start_both() {
