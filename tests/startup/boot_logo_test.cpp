@@ -1,5 +1,5 @@
-// The boot logo over the observation screen, the start page, the theme and the locale switch, in
-// process under the toolkit's test clock with the real layouts and strings of res/.
+// The boot logo over the observation screen, in process under the toolkit's test clock with the
+// real layouts and strings of res/: the language it applies, its texts, and the hand-over.
 #include <gtest/gtest.h>
 
 #include <string>
