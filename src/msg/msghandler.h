@@ -259,8 +259,8 @@ typedef enum {
 
 // ---- screen events ----
 // A screen event is a toolkit event of type EVT_USER_START (8192) + offset, dispatched to the
-// window manager on the UI thread. One list, (offset, name): pages subscribe by name, the frame
-// decoder prints the names.
+// window manager on the UI thread. One list, (offset, name), so that pages subscribe by name.
+// Offset 45 (over-temperature) is subscribed to but raised by no frame of the protocol.
 #define SCREEN_EVENT_LIST(X)            \
   X(2, SCREEN_EVT_RETICLE_SWITCH)       \
   X(5, SCREEN_EVT_RETICLE_POSITION)     \
