@@ -27,6 +27,7 @@
 #include <vector>
 
 #include "common/status_records.h"
+#include "framedec.h"
 #include "msg/msg.h"
 #include "msg/msghandler.h"
 #include "tk_testing.h"
@@ -35,47 +36,31 @@ namespace {
 
 constexpr int BATCH = 20000;
 
-std::vector<uint8_t> make_frame(uint8_t type, uint8_t command, uint8_t sub,
-                                std::vector<uint8_t> values) {
-  std::vector<uint8_t> f;
-  f.reserve(values.size() + 9);
-  for (uint8_t b :
-       {uint8_t(0xaa), static_cast<uint8_t>(6 + values.size()), type, command, sub, uint8_t(0)}) {
-    f.push_back(b);
-  }
-  for (uint8_t b : values)
-    f.push_back(b);
-  unsigned sum = 0;
-  for (uint8_t b : f)
-    sum += b;
-  f.push_back(static_cast<uint8_t>(sum & 0xFF));
-  f.push_back(0xeb);
-  f.push_back(0xaa);
-  return f;
-}
-
 // A mix of the readings a device sends back to back.
 std::vector<Inf_MsgEvent> status_messages() {
-  std::vector<std::vector<uint8_t>> frames = {
-      make_frame(15, 0, 0, {0xbc, 0x02}),              // battery
-      make_frame(6, 0, 0, {0, 90, 0}),                 // azimuth
-      make_frame(6, 0, 1, {1, 3, 0}),                  // pitch
-      make_frame(6, 0, 2, {0, 1, 0}),                  // cant
-      make_frame(0, 0, 38, {0x76, 0x11}),              // wind
-      make_frame(4, 2, 0, {0, 0x0c, 0xca}),            // distance
-      make_frame(1, 0, 16, {0xc8, 0x00}),              // zoom
-      make_frame(22, 3, 1, {0x10, 0x00}),              // reticle x
-      make_frame(25, 2, 0, {1}),                       // GG save result
-      make_frame(23, 0, 2, {1, 2, 3, 4, 0, 0, 0, 0}),  // playback position
+  auto f = [](uint8_t type, uint8_t command, uint8_t sub, std::vector<uint8_t> values) {
+    return framedec::build(type, command, sub, values);
+  };
+  const std::vector<std::vector<uint8_t>> frames = {
+      f(15, 0, 0, {0xbc, 0x02}),              // battery
+      f(6, 0, 0, {0, 90, 0}),                 // azimuth
+      f(6, 0, 1, {1, 3, 0}),                  // pitch
+      f(6, 0, 2, {0, 1, 0}),                  // cant
+      f(0, 0, 38, {0x76, 0x11}),              // wind
+      f(4, 2, 0, {0, 0x0c, 0xca}),            // distance
+      f(1, 0, 16, {0xc8, 0x00}),              // zoom
+      f(22, 3, 1, {0x10, 0x00}),              // reticle x
+      f(25, 2, 0, {1}),                       // GG save result
+      f(23, 0, 2, {1, 2, 3, 4, 0, 0, 0, 0}),  // playback position
   };
   std::vector<Inf_MsgEvent> out;
-  for (const auto& f : frames) {
+  for (const auto& frame : frames) {
     Inf_MsgEvent e;
     std::memset(&e, 0, sizeof(e));
     e.msg_type = MSG_RECV_TYPE;
     e.msg_text.type = MSG_TYPE_FRAMED;
-    e.msg_text.length = static_cast<uint32_t>(f.size());
-    std::memcpy(e.msg_text.context, f.data(), f.size());
+    e.msg_text.length = static_cast<uint32_t>(frame.size());
+    std::memcpy(e.msg_text.context, frame.data(), frame.size());
     out.push_back(e);
   }
   return out;
