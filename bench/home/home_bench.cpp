@@ -41,7 +41,7 @@ void BM_BatteryEventHandlerAndRedraw(benchmark::State& state) {
   int64_t painted = 0;
   for (auto _ : state) {
     stUIStatus.s16BatteryValue = next_battery(i++);
-    event_t e = event_init(EVT_USER_START + SCREEN_EVT_BATTERY, NULL);
+    event_t e = event_init(EVT_USER_START + int{SCREEN_EVT_BATTERY}, NULL);
     widget_dispatch(window_manager(), &e);
     painted += tk_testing_paint() ? 1 : 0;
   }
@@ -58,7 +58,7 @@ void BM_BatteryEventThroughTheLink(benchmark::State& state) {
   uint64_t paints_before = tk_testing_paint_count();
   for (auto _ : state) {
     stUIStatus.s16BatteryValue = next_battery(i++);
-    event_distrubution(EVT_USER_START + SCREEN_EVT_BATTERY);
+    event_distrubution(EVT_USER_START + int{SCREEN_EVT_BATTERY});
     tk_testing_advance(0);
     benchmark::DoNotOptimize(tk_testing_paint());
   }

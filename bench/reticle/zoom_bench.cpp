@@ -87,7 +87,7 @@ void BM_ZoomEventThroughTheLink(benchmark::State& state) {
   int64_t i = 0;
   for (auto _ : state) {
     stUIStatus.s8IRZoom = next_zoom(i++);
-    event_distrubution(EVT_USER_START + SCREEN_EVT_ZOOM);
+    event_distrubution(EVT_USER_START + int{SCREEN_EVT_ZOOM});
     tk_testing_advance(0);
     benchmark::DoNotOptimize(tk_testing_paint());
   }

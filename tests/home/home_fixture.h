@@ -10,6 +10,7 @@
 #include <sys/msg.h>
 #include <sys/statfs.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cstring>
 #include <ostream>
@@ -55,14 +56,19 @@ inline int fake_statfs(const char*, struct statfs* out) {
 // A frame as the device application sends it: header, length, type, command, sub-command,
 // reserved, values, checksum, trailer.
 inline std::vector<uint8_t> device_frame(uint8_t type, uint8_t command, uint8_t sub,
-                                         std::vector<uint8_t> values) {
-  std::vector<uint8_t> f = {0xAA, 0, type, command, sub, 0};
-  f.insert(f.end(), values.begin(), values.end());
-  f[1] = static_cast<uint8_t>(f.size());
-  uint8_t sum = 0;
-  for (uint8_t b : f)
-    sum = static_cast<uint8_t>(sum + b);
-  f.insert(f.end(), {sum, 0xEB, 0xAA});
+                                         const std::vector<uint8_t>& values) {
+  const size_t n = values.size() + 6;  // the bytes the checksum covers
+  std::vector<uint8_t> f(n + 3, 0);
+  f[0] = 0xAA;
+  f[1] = static_cast<uint8_t>(n);
+  f[2] = type;
+  f[3] = command;
+  f[4] = sub;
+  std::copy(values.begin(), values.end(), f.begin() + 6);
+  for (size_t i = 0; i < n; ++i)
+    f[n] = static_cast<uint8_t>(f[n] + f[i]);
+  f[n + 1] = 0xEB;
+  f[n + 2] = 0xAA;
   return f;
 }
 

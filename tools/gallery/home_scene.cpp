@@ -21,6 +21,8 @@ bool home_scene_start(int key_base) {
   setenv(MSG_KEYS_ENV, keys.c_str(), 1);
   setenv("TK_HEADLESS", "1", 1);
   tk_testing_init();
+  // The toolkit has just dropped every idle and timer: the link's hand-off starts afresh too.
+  Inf_LinkReset();
   if (Inf_InitMsgEvent(msgEventCallback) != 0) {
     std::fprintf(stderr, "home_scene: the device link cannot start on queues %s\n", keys.c_str());
     return false;

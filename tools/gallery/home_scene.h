@@ -7,10 +7,10 @@
 
 #include "awtk.h"
 
-// Starts (or, when already started, resets) the toolkit on its test clock and starts the device
-// link on the queue pair key_base + 2 * (process id), key_base + 1 + 2 * (process id), so that
-// parallel runs and a running UI never meet. False, with a line on standard error, when the link
-// cannot start.
+// Starts (or, when already started, resets) the toolkit on its test clock, returns the device
+// link's hand-off to a fresh start and starts the link on the queue pair key_base + 2 * (process
+// id), key_base + 1 + 2 * (process id), so that parallel runs and a running UI never meet. False,
+// with a line on standard error, when the link cannot start.
 bool home_scene_start(int key_base);
 // Removes the link's queues.
 void home_scene_stop(void);
