@@ -104,11 +104,12 @@ class HomeTest : public ::testing::Test {
     tk_testing_reset();
   }
 
-  // Opens the observation screen through the navigator (its init runs); forgets what init sent.
+  // Opens the observation screen through the navigator (its init runs); what init sent goes to
+  // init_frames_.
   void open_home() {
     win_ = home_scene_open();
     ASSERT_NE(win_, nullptr);
-    sent_frames();
+    init_frames_ = sent_frames();
   }
   widget_t* w(const char* name) const { return widget_lookup(win_, name, TRUE); }
   bool shown(const char* name) const {
@@ -189,6 +190,7 @@ class HomeTest : public ::testing::Test {
   int send_q_ = -1;
   int recv_q_ = -1;
   widget_t* win_ = nullptr;
+  Frames init_frames_;
 };
 
 }  // namespace home_test

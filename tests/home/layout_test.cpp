@@ -29,9 +29,9 @@ TEST(HomeResources, EveryImageOfTheLayoutAndOfThePageExists) {
     EXPECT_TRUE(image_exists(n.node().attribute("image").value()))
         << n.node().attribute("name").value();
   }
-  std::vector<std::string> named = {"Zavo_status_whitehot", "Zavo_status_blackhot",
-                                    "Zavo_status_redface", "Zavo_status_redhot",
-                                    "Zavo_status_greenhot"};
+  std::vector<std::string> named;
+  for (const char* map : {"whitehot", "blackhot", "redface", "redhot", "greenhot"})
+    named.push_back(std::string("Zavo_status_") + map);
   for (int n = 0; n <= 4; ++n)
     named.push_back("Zavo_battery" + std::to_string(n));
   for (const char* prefix : {"laser_", "LRF_"}) {

@@ -184,9 +184,8 @@ TEST(OverlayHelpers, ReticleImageNameEvenGrowthAndTheStartTable) {
   stDevStatus.s8ReticleColour = 3;
   EXPECT_STREQ(getReticleImgName("d"), "d/640_2_g.png");
   stDevStatus.s8IrSize = 0;
-  stDevStatus.s8ReticleType = 4;
   stDevStatus.s8ReticleColour = 1;
-  EXPECT_STREQ(getReticleImgName("d"), "d/384_4_b.png");
+  EXPECT_STREQ(getReticleImgName("d"), "d/384_2_b.png");
   stDevStatus.s8ReticleType = 0;
   EXPECT_EQ(printed([] { getReticleImgName("d"); }), "GET_CURSOR_TYPE error !\n");
   EXPECT_EQ(h_value_handle(7), 6);
