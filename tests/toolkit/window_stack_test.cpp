@@ -425,3 +425,63 @@ TEST_F(WindowStack, ADestroyedWindowsTimersStopAndItsWindowManagerHandlersEnd) {
   widget_dispatch(window_manager(), &e);
   EXPECT_TRUE(events_.empty());
 }
+
+// A page's key handler runs a modal dialog (as the navigator does) and, while it runs, the
+// page's window is closed and destroyed: its memory must outlive the handler that is still on
+// the stack (the sanitizer build catches a use after free here).
+namespace {
+widget_t* s_page = nullptr;
+int s_ticks = 0;
+ret_t close_page_then_quit(const timer_info_t* t) {
+  if (s_page != nullptr) {
+    window_close(s_page);
+    s_page = nullptr;
+  } else if (++s_ticks == 4) {
+    dialog_quit(static_cast<widget_t*>(t->ctx), DIALOG_QUIT_OK);
+    return RET_REMOVE;
+  }
+  return RET_REPEAT;
+}
+dialog_quit_code_t run_dialog() {
+  widget_t* d = window_open("D");
+  widget_add_timer(d, close_page_then_quit, 100);
+  return dialog_modal(d);
+}
+}  // namespace
+
+TEST_F(WindowStack, AWindowClosedDuringAModalDialogOfItsOwnHandlerOutlivesTheHandler) {
+  write_window("A");
+  write_window("P", "", "<label name=\"l\"/>");
+  write_ui("D", "<dialog name=\"D\" w=\"200\" h=\"100\"/>");
+  open("A");
+  s_page = open("P");
+  s_ticks = 0;
+  widget_on(
+      s_page, EVT_KEY_DOWN,
+      [](void*, event_t*) {
+        events_.push_back(run_dialog() == DIALOG_QUIT_OK ? "quit ok" : "quit other");
+        return RET_OK;
+      },
+      nullptr);
+  tk_testing_key_hit('a');
+  tk_testing_advance(0);
+  EXPECT_EQ(joined(), "quit ok");
+  EXPECT_EQ(stack_names(), (Names{"A"}));
+
+  // The same from a widget timer: the timer is not entered again by the nested loop, and its
+  // record stays readable until its callback returns.
+  s_page = open("P");
+  s_ticks = 0;
+  events_.clear();
+  widget_add_timer(
+      widget_lookup(s_page, "l", TRUE),
+      [](const timer_info_t* t) {
+        run_dialog();
+        events_.push_back(std::string("timer ") + static_cast<widget_t*>(t->ctx)->name);
+        return RET_REPEAT;
+      },
+      50);
+  tk_testing_advance(1000);
+  EXPECT_EQ(joined(), "timer l");
+  EXPECT_EQ(stack_names(), (Names{"A"}));
+}

@@ -21,6 +21,8 @@ constexpr int kMaxStepsPerInstant = 1000;
 // threads and the next due timer (or held key's long press) all end the wait earlier, so an
 // idle UI sleeps instead of stepping at a frame rate.
 constexpr uint32_t kIdleWaitMs = 1000;
+// Period of the steps while an idle asks to repeat.
+constexpr uint32_t kFrameMs = 16;
 
 uint64_t real_elapsed_ms() {
   auto d = std::chrono::steady_clock::now() - g().start;
@@ -76,59 +78,39 @@ void process_queue() {
   }
 }
 
-void erase_removed_idles() {
+// Runs one callback as a user callback (see Global::callbacks).
+template <typename F>
+auto as_callback(F&& f) {
   Global& gl = g();
-  for (auto it = gl.idles.begin(); it != gl.idles.end();) {
-    if (it->second->removed) {
-      std::unique_ptr<Idle> dead = std::move(it->second);
-      it = gl.idles.erase(it);
-      if (dead->info.on_destroy != nullptr) dead->info.on_destroy(dead->info.on_destroy_ctx);
-    } else {
-      ++it;
-    }
-  }
+  gl.callbacks++;
+  auto r = f();
+  gl.callbacks--;
+  return r;
 }
 
 void run_idles() {
   Global& gl = g();
-  erase_removed_idles();
   if (gl.idles.empty()) return;
+  // Idles added while the pass runs wait for the next pass.
   std::vector<uint32_t> ids;
   ids.reserve(gl.idles.size());
   for (auto& [id, idle] : gl.idles)
     ids.push_back(id);
   for (uint32_t id : ids) {
     auto it = gl.idles.find(id);
-    if (it == gl.idles.end() || it->second->removed) continue;
+    if (it == gl.idles.end() || it->second->running) continue;
     Idle* idle = it->second.get();
     idle->ran = true;
-    ret_t ret = idle->info.on_idle(&idle->info);
-    it = gl.idles.find(id);
-    if (it == gl.idles.end()) continue;
-    if (ret != RET_REPEAT || it->second->removed) {
-      std::unique_ptr<Idle> dead = std::move(it->second);
-      gl.idles.erase(it);
-      if (dead->owner != nullptr && is_live(dead->owner)) {
-        auto& v = dead->owner->host->idles;
-        v.erase(std::remove(v.begin(), v.end(), id), v.end());
-      }
-      if (dead->info.on_destroy != nullptr) dead->info.on_destroy(dead->info.on_destroy_ctx);
+    idle->running = true;
+    ret_t ret = RET_REMOVE;
+    if (idle->call) {
+      as_callback([idle] { return idle->call(), 0; });
+    } else {
+      ret = as_callback([idle] { return idle->info.on_idle(&idle->info); });
     }
+    idle->running = false;
+    if (ret != RET_REPEAT || idle->removed) idle_erase(id);
   }
-  erase_removed_idles();
-}
-
-void erase_timer(uint32_t id) {
-  Global& gl = g();
-  auto it = gl.timers.find(id);
-  if (it == gl.timers.end()) return;
-  std::unique_ptr<Timer> dead = std::move(it->second);
-  gl.timers.erase(it);
-  if (dead->owner != nullptr && is_live(dead->owner)) {
-    auto& v = dead->owner->host->timers;
-    v.erase(std::remove(v.begin(), v.end(), id), v.end());
-  }
-  if (dead->info.on_destroy != nullptr) dead->info.on_destroy(dead->info.on_destroy_ctx);
 }
 
 void run_timers() {
@@ -137,31 +119,24 @@ void run_timers() {
   uint64_t now = now_ms();
   std::vector<std::pair<uint64_t, uint32_t>> due;
   for (auto& [id, t] : gl.timers) {
-    if (t->removed || t->info.suspend) continue;
+    if (t->running || t->info.suspend) continue;
     uint64_t at = t->info.start + t->info.duration;
     if (at <= now) due.emplace_back(at, id);
   }
   std::sort(due.begin(), due.end());
   for (auto& [at, id] : due) {
     auto it = gl.timers.find(id);
-    if (it == gl.timers.end() || it->second->removed) continue;
+    if (it == gl.timers.end() || it->second->running) continue;
     Timer* t = it->second.get();
     t->info.now = now_ms();
-    ret_t ret = t->info.on_timer(&t->info);
-    it = gl.timers.find(id);
-    if (it == gl.timers.end()) continue;
-    if (ret == RET_REPEAT && !it->second->removed) {
-      it->second->info.start = now_ms();
+    t->running = true;
+    ret_t ret = as_callback([t] { return t->info.on_timer(&t->info); });
+    t->running = false;
+    if (ret == RET_REPEAT && !t->removed) {
+      t->info.start = now_ms();
     } else {
-      erase_timer(id);
+      timer_erase(id);
     }
-  }
-  // Timers removed by timer_remove during the pass.
-  for (auto it = gl.timers.begin(); it != gl.timers.end();) {
-    uint32_t id = it->first;
-    bool removed = it->second->removed;
-    ++it;
-    if (removed) erase_timer(id);
   }
 }
 
@@ -234,13 +209,29 @@ uint32_t queue_length() {
   return static_cast<uint32_t>(gl.queue.size());
 }
 
+namespace {
+// The next free id from `next` (never 0, never one in use), advancing `next` past it.
+template <typename Map>
+uint32_t fresh_id(const Map& in_use, uint32_t* next) {
+  uint32_t id = *next;
+  while (id == TK_INVALID_ID || in_use.count(id) != 0)
+    id++;
+  *next = id + 1;
+  return id;
+}
+
+// Drops `id` from the owner's list of timers or idles.
+void disown(widget_t* owner, std::vector<uint32_t> widget_host_t::*list, uint32_t id) {
+  if (owner == nullptr || !is_live(owner)) return;
+  auto& v = owner->host->*list;
+  v.erase(std::remove(v.begin(), v.end(), id), v.end());
+}
+}  // namespace
+
 uint32_t timer_add_owned(timer_func_t f, void* ctx, uint32_t ms, widget_t* owner) {
   Global& gl = g();
   if (f == nullptr) return TK_INVALID_ID;
-  uint32_t id = gl.next_timer_id;
-  while (id == TK_INVALID_ID || gl.timers.count(id) != 0)
-    id++;
-  gl.next_timer_id = id + 1;
+  uint32_t id = fresh_id(gl.timers, &gl.next_timer_id);
   auto t = std::make_unique<Timer>();
   t->info.on_timer = f;
   t->info.ctx = ctx;
@@ -257,10 +248,7 @@ uint32_t timer_add_owned(timer_func_t f, void* ctx, uint32_t ms, widget_t* owner
 uint32_t idle_add_owned(idle_func_t f, void* ctx, widget_t* owner) {
   Global& gl = g();
   if (f == nullptr) return TK_INVALID_ID;
-  uint32_t id = gl.next_idle_id;
-  while (id == TK_INVALID_ID || gl.idles.count(id) != 0)
-    id++;
-  gl.next_idle_id = id + 1;
+  uint32_t id = fresh_id(gl.idles, &gl.next_idle_id);
   auto i = std::make_unique<Idle>();
   i->info.on_idle = f;
   i->info.ctx = ctx;
@@ -271,48 +259,57 @@ uint32_t idle_add_owned(idle_func_t f, void* ctx, widget_t* owner) {
   return id;
 }
 
-namespace {
-struct CallCtx {
-  void (*f)(void*);
-  void* ctx;
-};
-ret_t call_trampoline(const idle_info_t* info) {
-  auto* c = static_cast<CallCtx*>(info->ctx);
-  c->f(c->ctx);
-  delete c;
-  return RET_REMOVE;
+void idle_call(std::function<void()> f) {
+  Global& gl = g();
+  uint32_t id = fresh_id(gl.idles, &gl.next_idle_id);
+  auto i = std::make_unique<Idle>();
+  i->info.id = id;
+  i->call = std::move(f);
+  gl.idles.emplace(id, std::move(i));
 }
-}  // namespace
 
-uint32_t idle_call(void (*f)(void*), void* ctx) {
-  return idle_add_owned(call_trampoline, new CallCtx{f, ctx}, nullptr);
+ret_t timer_erase(uint32_t id) {
+  Global& gl = g();
+  auto it = gl.timers.find(id);
+  if (it == gl.timers.end()) return RET_NOT_FOUND;
+  bool was_removed = it->second->removed;
+  if (it->second->running) {
+    it->second->removed = true;
+  } else {
+    disown(it->second->owner, &widget_host_t::timers, id);
+    gl.timers.erase(it);
+  }
+  return was_removed ? RET_NOT_FOUND : RET_OK;
+}
+
+ret_t idle_erase(uint32_t id) {
+  Global& gl = g();
+  auto it = gl.idles.find(id);
+  if (it == gl.idles.end()) return RET_NOT_FOUND;
+  bool was_removed = it->second->removed;
+  if (it->second->running) {
+    it->second->removed = true;
+  } else {
+    disown(it->second->owner, &widget_host_t::idles, id);
+    gl.idles.erase(it);
+  }
+  return was_removed ? RET_NOT_FOUND : RET_OK;
 }
 
 void remove_owned(widget_t* w) {
   Global& gl = g();
-  for (uint32_t id : w->host->timers) {
+  std::vector<uint32_t> timers, idles;
+  timers.swap(w->host->timers);
+  idles.swap(w->host->idles);
+  for (uint32_t id : timers) {
     auto it = gl.timers.find(id);
-    if (it != gl.timers.end()) {
-      it->second->removed = true;
-      it->second->owner = nullptr;
-    }
+    if (it != gl.timers.end()) it->second->owner = nullptr;
+    timer_erase(id);
   }
-  w->host->timers.clear();
-  for (uint32_t id : w->host->idles) {
+  for (uint32_t id : idles) {
     auto it = gl.idles.find(id);
-    if (it != gl.idles.end()) {
-      it->second->removed = true;
-      it->second->owner = nullptr;
-    }
-  }
-  w->host->idles.clear();
-  // Drop removed entries now unless a pass is walking them (it drops them itself).
-  for (auto it = gl.timers.begin(); it != gl.timers.end();) {
-    if (it->second->removed && it->second->owner == nullptr && gl.loop_depth == 0) {
-      it = gl.timers.erase(it);
-    } else {
-      ++it;
-    }
+    if (it != gl.idles.end()) it->second->owner = nullptr;
+    idle_erase(id);
   }
 }
 
@@ -323,11 +320,11 @@ bool has_immediate_work() {
     if (!gl.queue.empty()) return true;
   }
   for (auto& [id, idle] : gl.idles) {
-    if (!idle->removed && !idle->ran) return true;
+    if (!idle->running && !idle->ran) return true;
   }
   uint64_t now = now_ms();
   for (auto& [id, t] : gl.timers) {
-    if (!t->removed && !t->info.suspend && t->info.start + t->info.duration <= now) return true;
+    if (!t->running && !t->info.suspend && t->info.start + t->info.duration <= now) return true;
   }
   return false;
 }
@@ -336,22 +333,15 @@ bool next_due(uint64_t* when) {
   Global& gl = g();
   bool found = false;
   uint64_t best = 0;
+  auto consider = [&](uint64_t at) {
+    if (!found || at < best) best = at;
+    found = true;
+  };
   for (auto& [id, t] : gl.timers) {
-    if (t->removed || t->info.suspend) continue;
-    uint64_t at = t->info.start + t->info.duration;
-    if (!found || at < best) {
-      best = at;
-      found = true;
-    }
+    if (!t->running && !t->info.suspend) consider(t->info.start + t->info.duration);
   }
   for (const HeldKey& k : gl.held) {
-    if (!k.long_fired && !k.aborted) {
-      uint64_t at = k.down_at + TK_KEY_LONG_PRESS_TIME;
-      if (!found || at < best) {
-        best = at;
-        found = true;
-      }
-    }
+    if (!k.long_fired && !k.aborted) consider(k.down_at + TK_KEY_LONG_PRESS_TIME);
   }
   if (found) *when = best;
   return found;
@@ -359,7 +349,7 @@ bool next_due(uint64_t* when) {
 
 void free_graveyard(bool all) {
   Global& gl = g();
-  if (gl.graveyard.empty()) return;
+  if (gl.graveyard.empty() || (!all && gl.callbacks > 0)) return;
   std::vector<widget_t*> dead;
   {
     std::lock_guard<std::recursive_mutex> lock(gl.stack_mutex);
@@ -380,14 +370,12 @@ void free_graveyard(bool all) {
 void step() {
   Global& gl = g();
   gl.step_count++;
-  gl.loop_depth++;
   free_graveyard(false);
   process_queue();
   check_long_press();
   run_idles();
   run_timers();
   layout_pass();
-  gl.loop_depth--;
   if (gl.backend) gl.backend->paint();
 }
 
@@ -427,13 +415,16 @@ bool run_loop(bool (*done)(void*), void* ctx, const char* who) {
       }
       continue;
     }
-    uint32_t wait = kIdleWaitMs;
+    // Sleep until the next timer or long press (rounded up, so the loop does not spin through
+    // the last fraction of a millisecond), or until input or a post from another thread
+    // wakes the backend. A repeating idle runs once per frame.
+    uint32_t wait = gl.idles.empty() ? kIdleWaitMs : kFrameMs;
     uint64_t when;
     if (steps_here >= kMaxStepsPerInstant) {
       wait = 1;
     } else if (next_due(&when)) {
       uint64_t virt = when > now ? when - now : 0;
-      double real = static_cast<double>(virt) / gl.time_scale;
+      double real = std::ceil(static_cast<double>(virt) / gl.time_scale);
       if (real < wait) wait = static_cast<uint32_t>(real);
     }
     if (wait > 0) gl.backend->wait_input(wait);
@@ -445,13 +436,7 @@ void reset_state() {
   Global& gl = g();
   windows_teardown();
   free_graveyard(true);
-  for (auto& [id, t] : gl.timers) {
-    if (t->info.on_destroy != nullptr) t->info.on_destroy(t->info.on_destroy_ctx);
-  }
   gl.timers.clear();
-  for (auto& [id, i] : gl.idles) {
-    if (i->info.on_idle == call_trampoline) delete static_cast<CallCtx*>(i->info.ctx);
-  }
   gl.idles.clear();
   {
     std::lock_guard<std::mutex> lock(gl.queue_mutex);
@@ -506,7 +491,6 @@ ret_t tk_init(wh_t w, wh_t h, app_type_t app_type, const char* app_name, const c
   tk::strings_load_all();
   tk::locale_apply("en", "US");
   gl.backend = tk::backend_create(w, h);
-  if (!gl.backend) gl.backend = tk::backend_null_create();
   return RET_OK;
 }
 
@@ -557,7 +541,8 @@ ret_t tk_deinit(void) {
   if (!gl.inited) return RET_OK;
   tk::reset_state();
   gl.backend.reset();
-  tk::destroy_tree(gl.wm);
+  tk::bury(gl.wm);
+  tk::free_graveyard(true);
   gl.wm = nullptr;
   tk::style_cache_clear();
   gl.inited = false;
@@ -591,12 +576,7 @@ ret_t timer_remove(uint32_t timer_id) {
     log_warn("%s:%d condition(timer_id != TK_INVALID_ID) failed!\n", __FUNCTION__, __LINE__);
     return RET_BAD_PARAMS;
   }
-  tk::Global& gl = g();
-  auto it = gl.timers.find(timer_id);
-  if (it == gl.timers.end() || it->second->removed) return RET_NOT_FOUND;
-  it->second->removed = true;
-  if (gl.loop_depth == 0) tk::erase_timer(timer_id);
-  return RET_OK;
+  return tk::timer_erase(timer_id);
 }
 
 ret_t timer_modify(uint32_t timer_id, uint32_t duration_ms) {
@@ -634,11 +614,7 @@ uint32_t idle_add(idle_func_t on_idle, void* ctx) {
 
 ret_t idle_remove(uint32_t idle_id) {
   if (idle_id == TK_INVALID_ID) return RET_BAD_PARAMS;
-  tk::Global& gl = g();
-  auto it = gl.idles.find(idle_id);
-  if (it == gl.idles.end() || it->second->removed) return RET_NOT_FOUND;
-  it->second->removed = true;
-  return RET_OK;
+  return tk::idle_erase(idle_id);
 }
 
 ret_t idle_queue(idle_func_t on_idle, void* ctx) {

@@ -3,7 +3,8 @@
 //
 // One step of the main loop: queued requests and keys, long-press check, idles, timers, layout,
 // then Backend::paint(). Between steps the loop calls Backend::wait_input() with the time (in
-// real milliseconds) until the next timer is due, capped to a frame, or 0 when work is pending.
+// real milliseconds) until the next timer or long press is due (at most a second; a frame while
+// an idle repeats), so an idle user interface sleeps; wake() ends the wait at once.
 //
 // A backend turns platform key presses into tk::post_key() (the same locked queue that
 // main_loop_post_key_event feeds) and paints from the window stack and the dirty region that
@@ -31,12 +32,10 @@ class Backend {
   virtual void paint() = 0;
 };
 
-// The backend for this run, chosen by the environment (TK_HEADLESS, DISPLAY); defined with the
-// drawing backends (draw/backend_select.cpp). Called once by tk_init with the screen size.
+// The backend for this run, chosen by the environment (TK_HEADLESS, DISPLAY); never null (it
+// falls back to headless frames); defined with the drawing backends (draw/backend_select.cpp).
+// Called once by tk_init with the screen size.
 std::unique_ptr<Backend> backend_create(int32_t lcd_w, int32_t lcd_h);
-
-// The backend without drawing: waits on a condition variable, discards the dirty region.
-std::unique_ptr<Backend> backend_null_create();
 
 }  // namespace tk
 

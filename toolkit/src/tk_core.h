@@ -7,6 +7,7 @@
 #include <condition_variable>
 #include <cstdint>
 #include <deque>
+#include <functional>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -160,14 +161,22 @@ struct _widget_host_t {
 namespace tk {
 
 // ---- global state (user interface thread unless noted) ----
+// A timer or idle is erased as soon as it is removed, except while its own callback runs: then
+// `removed` is set and the pass that called it erases it when the callback returns. A running
+// one is never due again (a nested loop inside the callback does not re-enter it).
 struct Timer {
   timer_info_t info{};
   widget_t* owner = nullptr;
+  bool running = false;
   bool removed = false;
 };
 struct Idle {
   idle_info_t info{};
   widget_t* owner = nullptr;
+  // The toolkit's own idles (open and close sequences, deferred destruction, async events) run
+  // this instead of info.on_idle, once.
+  std::function<void()> call;
+  bool running = false;
   bool removed = false;
   bool ran = false;
 };
@@ -249,11 +258,18 @@ struct Global {
   // backend and loop
   std::unique_ptr<Backend> backend;
   bool quit_requested = false;
-  int loop_depth = 0;
+  // User callbacks (event handlers, timers, idles) on the stack right now; widget memory is
+  // freed only when there are none, so a nested loop (dialog_modal) run from a handler never
+  // frees the widget, emitter or timer that handler belongs to.
+  int callbacks = 0;
 
   // bookkeeping
   std::unordered_set<const widget_t*> live;
-  std::vector<std::pair<widget_t*, uint64_t>> graveyard;  // freed after a later step
+  // Detached widgets (closed windows, widget_destroy) waiting for the idle that buries them.
+  std::vector<widget_t*> doomed;
+  // Buried subtrees (EVT_DESTROY sent, timers gone) and the step they were buried in; their
+  // memory is freed at the start of a later step, so pointers read just before stay readable.
+  std::vector<std::pair<widget_t*, uint64_t>> graveyard;
   uint64_t step_count = 0;
 
   // test support
@@ -270,14 +286,13 @@ bool on_ui_thread();
 // ---- widgets (widget.cpp) ----
 widget_t* widget_new(const Kind* kind, widget_t* parent);
 bool is_live(const widget_t* w);
-// Runs EVT_DESTROY, removes timers and idles and frees the subtree (no parent detach).
-void destroy_tree(widget_t* w);
-// The two halves of destroy_tree: everything but freeing the memory, then the memory.
-void finalize_tree(widget_t* w);
+// Sends EVT_DESTROY through the (detached) subtree, drops its timers and idles and hands it to
+// the graveyard, which frees the memory later (free_graveyard).
+void bury(widget_t* w);
 void free_tree(widget_t* w);
 void children_push(widget_t* parent, widget_t* child, int32_t index);
 bool children_remove(widget_t* parent, widget_t* child);
-// Detaches and destroys in an idle.
+// Detaches now and buries in an idle.
 void destroy_deferred(widget_t* w);
 widget_t* child_named(widget_t* w, const char* name);
 widget_t* lookup_named(widget_t* w, const char* name, bool recursive);
@@ -322,9 +337,14 @@ ret_t queue_push(Request&& r, const char* what);
 uint32_t queue_length();
 uint32_t timer_add_owned(timer_func_t f, void* ctx, uint32_t ms, widget_t* owner);
 uint32_t idle_add_owned(idle_func_t f, void* ctx, widget_t* owner);
-// Internal idle for a C++ callback on the UI thread.
-uint32_t idle_call(void (*f)(void*), void* ctx);
+// The toolkit's own work for the next idle pass, run once.
+void idle_call(std::function<void()> f);
+// RET_OK, or RET_NOT_FOUND for an id that is not (or no longer) there.
+ret_t timer_erase(uint32_t id);
+ret_t idle_erase(uint32_t id);
 void remove_owned(widget_t* w);
+// Frees what the graveyard holds: everything (`all`, at reset), or, when no user callback is on
+// the stack, what was buried before the previous step.
 void free_graveyard(bool all);
 void reset_state();
 

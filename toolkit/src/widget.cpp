@@ -267,11 +267,12 @@ bool is_live(const widget_t* w) {
   return w != nullptr && g().live.count(w) != 0;
 }
 
+namespace {
+// EVT_DESTROY (children first, last to first), then the widget's timers and idles go.
 void finalize_tree(widget_t* w) {
   if (w == nullptr || !is_live(w)) return;
   w->destroying = TRUE;
   if (w->children != nullptr) {
-    // Children first, last to first.
     for (uint32_t n = w->children->size; n > 0; n--) {
       finalize_tree(static_cast<widget_t*>(w->children->elms[n - 1]));
     }
@@ -282,6 +283,16 @@ void finalize_tree(widget_t* w) {
   }
   remove_owned(w);
   g().live.erase(w);
+}
+}  // namespace
+
+void bury(widget_t* w) {
+  Global& gl = g();
+  gl.doomed.erase(std::remove(gl.doomed.begin(), gl.doomed.end(), w), gl.doomed.end());
+  if (w == nullptr || !is_live(w)) return;
+  finalize_tree(w);
+  std::lock_guard<std::recursive_mutex> lock(gl.stack_mutex);
+  gl.graveyard.emplace_back(w, gl.step_count);
 }
 
 void free_tree(widget_t* w) {
@@ -295,28 +306,16 @@ void free_tree(widget_t* w) {
   free_widget(w);
 }
 
-void destroy_tree(widget_t* w) {
-  if (w == nullptr || !is_live(w)) return;
-  finalize_tree(w);
-  free_tree(w);
-}
-
-namespace {
-void destroy_idle(void* ctx) {
-  destroy_tree(static_cast<widget_t*>(ctx));
-}
-}  // namespace
-
 void destroy_deferred(widget_t* w) {
-  if (w == nullptr || !is_live(w)) return;
-  if (w->destroying) return;
+  if (w == nullptr || !is_live(w) || w->destroying) return;
   invalidate_widget(w);
   if (w->parent != nullptr) {
     mark_relayout(w->parent);
     children_remove(w->parent, w);
   }
   w->destroying = TRUE;
-  idle_call(destroy_idle, w);
+  g().doomed.push_back(w);
+  idle_call([w] { bury(w); });
 }
 
 widget_t* window_of(const widget_t* w) {
@@ -381,7 +380,9 @@ widget_t* lookup_named(widget_t* w, const char* name, bool recursive) {
 
 ret_t emitter_dispatch(emitter_t* em, event_t* e) {
   if (em == nullptr) return RET_OK;
+  Global& gl = g();
   em->dispatching++;
+  gl.callbacks++;
   ret_t result = RET_OK;
   for (size_t n = em->handlers.size(); n > 0; n--) {
     size_t i = n - 1;
@@ -399,13 +400,9 @@ ret_t emitter_dispatch(emitter_t* em, event_t* e) {
       break;
     }
   }
+  gl.callbacks--;
   em->dispatching--;
-  if (em->dispatching == 0 && em->has_removed) {
-    em->handlers.erase(std::remove_if(em->handlers.begin(), em->handlers.end(),
-                                      [](const EmitterHandler& x) { return x.removed; }),
-                       em->handlers.end());
-    em->has_removed = false;
-  }
+  emitter_compact(em);
   return result;
 }
 
@@ -1239,11 +1236,10 @@ static ret_t dispatch_rec(widget_t* w, event_t* e) {
   if (widget_dispatch(w, e) == RET_STOP) return RET_STOP;
   if (w->children == nullptr) return RET_OK;
   // Copy: handlers may change the tree.
-  std::vector<widget_t*> kids(reinterpret_cast<widget_t**>(w->children->elms),
-                              reinterpret_cast<widget_t**>(w->children->elms) + w->children->size);
-  for (widget_t* c : kids) {
-    if (!tk::is_live(c)) continue;
-    if (dispatch_rec(c, e) == RET_STOP) return RET_STOP;
+  std::vector<void*> kids(w->children->elms, w->children->elms + w->children->size);
+  for (void* c : kids) {
+    auto* child = static_cast<widget_t*>(c);
+    if (tk::is_live(child) && dispatch_rec(child, e) == RET_STOP) return RET_STOP;
   }
   return RET_OK;
 }
@@ -1253,25 +1249,15 @@ ret_t widget_dispatch_recursive(widget_t* widget, event_t* e) {
   return dispatch_rec(widget, e);
 }
 
-namespace {
-struct AsyncEvent {
-  widget_t* widget;
-  std::vector<uint8_t> bytes;
-};
-void async_dispatch(void* ctx) {
-  std::unique_ptr<AsyncEvent> a(static_cast<AsyncEvent*>(ctx));
-  if (!tk::is_live(a->widget)) return;
-  widget_dispatch(a->widget, reinterpret_cast<event_t*>(a->bytes.data()));
-}
-}  // namespace
-
 ret_t widget_dispatch_async(widget_t* widget, event_t* e) {
   return_value_if_fail(widget != NULL && e != NULL && e->target == widget, RET_BAD_PARAMS);
   uint32_t size = e->size >= sizeof(event_t) ? e->size : sizeof(event_t);
-  auto* a = new AsyncEvent{widget, std::vector<uint8_t>(size)};
-  memcpy(a->bytes.data(), e, size);
-  reinterpret_cast<event_t*>(a->bytes.data())->size = size;
-  tk::idle_call(async_dispatch, a);
+  std::vector<uint8_t> copy(size);
+  memcpy(copy.data(), e, size);
+  reinterpret_cast<event_t*>(copy.data())->size = size;
+  tk::idle_call([widget, copy = std::move(copy)]() mutable {
+    if (tk::is_live(widget)) widget_dispatch(widget, reinterpret_cast<event_t*>(copy.data()));
+  });
   return RET_OK;
 }
 

@@ -78,16 +78,11 @@ bool is_top(widget_t* win) {
   return window_manager_get_top_window(wm()) == win;
 }
 
-void destroy_window_idle(void* ctx) {
-  widget_t* win = static_cast<widget_t*>(ctx);
+void destroy_window_idle(widget_t* win) {
   if (!is_live(win)) return;
   widget_t* back_target = win->host->back_to_target;
   win->host->stage = WinStage::DESTROYED;
-  finalize_tree(win);
-  {
-    std::lock_guard<std::recursive_mutex> lock(g().stack_mutex);
-    g().graveyard.emplace_back(win, g().step_count);
-  }
+  bury(win);
   top_window_changed();
   if (back_target != nullptr && is_live(back_target) && window_in_stack(back_target)) {
     back_to_impl(back_target);
@@ -99,11 +94,11 @@ void retire(widget_t* win) {
   stack_remove(win);
   win->host->stage = WinStage::CLOSED;
   if (wm()->key_target == win) refresh_key_target();
-  idle_call(destroy_window_idle, win);
+  g().doomed.push_back(win);
+  idle_call([win] { destroy_window_idle(win); });
 }
 
-void open_idle(void* ctx) {
-  widget_t* win = static_cast<widget_t*>(ctx);
+void open_idle(widget_t* win) {
   if (!is_live(win) || !window_in_stack(win) || win->host->stage != WinStage::LOADED) return;
   // 1. will-open: the window takes the focus and the keys.
   lifecycle(win, EVT_WINDOW_WILL_OPEN);
@@ -138,14 +133,16 @@ void open_idle(void* ctx) {
   widget_dispatch(wm(), &we.e);
 }
 
-void force_close_idle(void* ctx) {
-  widget_t* win = static_cast<widget_t*>(ctx);
-  if (is_live(win) && window_in_stack(win)) window_manager_close_window_force(wm(), win);
-}
-
-void dialog_close_idle(void* ctx) {
-  widget_t* dlg = static_cast<widget_t*>(ctx);
-  if (is_live(dlg) && window_in_stack(dlg)) window_manager_close_window(wm(), dlg);
+// Closes `win` in the next idle pass if it is still on the stack then.
+void close_in_idle(widget_t* win, bool force) {
+  idle_call([win, force] {
+    if (!is_live(win) || !window_in_stack(win)) return;
+    if (force) {
+      window_manager_close_window_force(wm(), win);
+    } else {
+      window_manager_close_window(wm(), win);
+    }
+  });
 }
 
 bool plain_uint(const char* s) {
@@ -265,7 +262,7 @@ widget_t* build_window(const std::string& name, const pugi::xml_document& doc,
   e = event_init(EVT_WINDOW_LOAD, win);
   widget_dispatch(win, &e);
   invalidate_widget(win);
-  idle_call(open_idle, win);
+  idle_call([win] { open_idle(win); });
   return win;
 }
 
@@ -278,8 +275,7 @@ void close_single_instances(const char* name) {
   }
 }
 
-void back_to_idle(void* ctx) {
-  widget_t* target = static_cast<widget_t*>(ctx);
+void back_to_idle(widget_t* target) {
   if (!is_live(target) || !window_in_stack(target)) return;
   auto s = stack();
   std::vector<widget_t*> above;
@@ -317,7 +313,7 @@ ret_t back_to_impl(widget_t* target) {
     dialog_quit(top, DIALOG_QUIT_NONE);
     return RET_OK;
   }
-  idle_call(back_to_idle, target);
+  idle_call([target] { back_to_idle(target); });
   return RET_OK;
 }
 
@@ -457,10 +453,14 @@ void run_request(Request& r) {
 void windows_teardown() {
   Global& gl = g();
   if (gl.wm == nullptr) return;
+  // Everything is buried before anything is freed, so a destroy handler may still look at
+  // another window. Closed windows and destroyed widgets waiting for their idle go too.
   for (widget_t* win : stack()) {
     stack_remove(win);
-    destroy_tree(win);
+    bury(win);
   }
+  while (!gl.doomed.empty())
+    bury(gl.doomed.front());
   gl.wm->key_target = nullptr;
   if (gl.wm->emitter != nullptr) {
     delete gl.wm->emitter;
@@ -591,7 +591,7 @@ ret_t window_manager_close_window(widget_t* widget, widget_t* window) {
   if (h->stage == tk::WinStage::LOADED) {
     if (!h->close_pending) {
       h->close_pending = true;
-      tk::idle_call(tk::force_close_idle, window);
+      tk::close_in_idle(window, true);
     }
     return RET_OK;
   }
@@ -744,7 +744,7 @@ dialog_quit_code_t dialog_modal(widget_t* widget) {
   }
   if (!tk::is_live(widget)) return DIALOG_QUIT_NONE;
   dialog_quit_code_t code = static_cast<dialog_quit_code_t>(h->quit_code);
-  if (tk::window_in_stack(widget)) tk::idle_call(tk::dialog_close_idle, widget);
+  if (tk::window_in_stack(widget)) tk::close_in_idle(widget, false);
   return code;
 }
 

@@ -27,8 +27,9 @@
 void tk_testing_init(void);
 // Same, with another screen size or app root (only honoured by the first call of a process).
 void tk_testing_init_ex(wh_t w, wh_t h, const char* app_root);
-// Back to a clean toolkit: every window destroyed at once (no events), all timers, idles and
-// queued requests dropped, window-manager handlers removed, held keys forgotten, counters
+// Back to a clean toolkit: every window, closed window and destroyed widget still waiting for
+// its idle is destroyed and freed at once (EVT_DESTROY only, no window events), all timers,
+// idles and queued requests dropped, window-manager handlers removed, held keys forgotten, counters
 // (overflows, failed lookups) and captured log lines cleared, locale back to en_US, style cache
 // dropped. The clock keeps its value.
 void tk_testing_reset(void);
@@ -130,8 +131,8 @@ ret_t tk_testing_screenshot(const char* png_path);
 // channel to differ by `tolerance` (anti-aliased text differs slightly between font builds).
 // True on a match. Otherwise `message` (when given) says how many pixels differ and names
 // <stem>.actual.png, <stem>.expected.png and <stem>.diff.png written to TK_TEST_OUTPUT_DIR
-// (default <temp dir>/tk-test-output). A missing reference fails, unless TK_UPDATE_REFERENCES=1: then it
-// is written for review and the comparison passes.
+// (default <temp dir>/tk-test-output). A missing reference fails, unless TK_UPDATE_REFERENCES=1:
+// then it is written for review and the comparison passes.
 bool tk_testing_compare_screenshot(const char* reference_png, int tolerance, std::string* message);
 // The picture under all windows (stands in for the live video); NULL or "" for black.
 // RET_FAIL (with a log line, backdrop black) when the file cannot be read.
