@@ -4,10 +4,12 @@
 
 #include <atomic>
 #include <chrono>
+#include <cmath>
 #include <condition_variable>
 #include <cstdint>
 #include <deque>
 #include <functional>
+#include <limits>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -40,6 +42,17 @@ struct _emitter_t {
 };
 
 namespace tk {
+
+// The integer part of `v`, limited to the range of T (NaN gives 0): numbers read from layouts
+// and set by pages never overflow a conversion.
+template <typename T>
+T whole(double v) {
+  if (std::isnan(v)) return 0;
+  constexpr double lo = static_cast<double>(std::numeric_limits<T>::min());
+  constexpr double hi = static_cast<double>(std::numeric_limits<T>::max());
+  if (v <= lo) return std::numeric_limits<T>::min();
+  return v >= hi ? std::numeric_limits<T>::max() : static_cast<T>(v);
+}
 
 // ---- style values ----
 struct StyleValue {
@@ -308,6 +321,10 @@ void relayout(widget_t* w);
 void layout_pass();
 void mark_relayout(widget_t* w);
 bool parse_self_layout(const std::string& text, SelfLayout* out);
+// One axis of a self layout against a parent of `parent` pixels: the size (`current` when the
+// form leaves it undefined) and the position of a widget of `size`.
+int32_t axis_size(const LayoutAxis& a, int32_t parent, int32_t current);
+int32_t axis_pos(const LayoutAxis& a, int32_t parent, int32_t size, int32_t current);
 bool parse_children_layout(const std::string& text, ChildrenLayout* out);
 void retranslate(widget_t* w);
 std::string dump(widget_t* w);

@@ -90,33 +90,50 @@ std::string fmt_double(double v) {
   return buf;
 }
 
+// A progress bar's printf format made safe for its one value: exactly one conversion (and any
+// number of "%%"); integer conversions are given "ll" and a long long, floating ones a double.
+// "" when the format has another shape.
+std::string value_format(const std::string& f, bool* integer) {
+  std::string out;
+  int conversions = 0;
+  for (size_t i = 0; i < f.size(); i++) {
+    out.push_back(f[i]);
+    if (f[i] != '%') continue;
+    if (i + 1 < f.size() && f[i + 1] == '%') {
+      out.push_back(f[++i]);
+      continue;
+    }
+    i++;
+    while (i < f.size() && strchr("-+ #0123456789.", f[i]) != nullptr)
+      out.push_back(f[i++]);
+    while (i < f.size() && strchr("hlLjzt", f[i]) != nullptr)
+      i++;
+    if (i >= f.size()) return "";
+    if (strchr("diouxXc", f[i]) != nullptr) {
+      *integer = true;
+      out += "ll";
+    } else if (strchr("eEfFgGaA", f[i]) != nullptr) {
+      *integer = false;
+    } else {
+      return "";
+    }
+    out.push_back(f[i]);
+    conversions++;
+  }
+  return conversions == 1 ? out : "";
+}
+
 void progress_update_text(widget_t* w) {
   widget_host_t* h = w->host;
   char buf[128];
-  if (!h->format.empty()) {
-    // A printf-style format applied to the raw value: integer conversions get an int.
-    const std::string& f = h->format;
-    size_t pct = f.find('%');
-    bool integer = false;
-    while (pct != std::string::npos && pct + 1 < f.size()) {
-      if (f[pct + 1] == '%') {
-        pct = f.find('%', pct + 2);
-        continue;
-      }
-      size_t k = pct + 1;
-      while (k < f.size() && strchr("0123456789.-+ #l", f[k]) != nullptr)
-        k++;
-      integer = k < f.size() && strchr("dixXuc", f[k]) != nullptr;
-      break;
-    }
-    if (integer) {
-      snprintf(buf, sizeof(buf), f.c_str(), static_cast<int>(h->value));
-    } else {
-      snprintf(buf, sizeof(buf), f.c_str(), h->value);
-    }
+  bool integer = false;
+  std::string fmt = value_format(h->format, &integer);
+  if (fmt.empty()) {
+    snprintf(buf, sizeof(buf), "%d%%", whole<int>(h->max != 0 ? h->value * 100.0 / h->max : 0));
+  } else if (integer) {
+    snprintf(buf, sizeof(buf), fmt.c_str(), whole<long long>(h->value));
   } else {
-    double percent = h->max != 0 ? h->value * 100.0 / h->max : 0;
-    snprintf(buf, sizeof(buf), "%d%%", static_cast<int>(percent));
+    snprintf(buf, sizeof(buf), fmt.c_str(), h->value);
   }
   wstr_set_utf8(&w->text, buf);
 }
@@ -378,6 +395,22 @@ widget_t* lookup_named(widget_t* w, const char* name, bool recursive) {
 
 /* ---- emitter ---- */
 
+// Marks the handlers `match` accepts as removed (dropped now unless a dispatch is walking them);
+// false when there was none.
+template <typename Match>
+bool emitter_off(emitter_t* em, Match match) {
+  bool found = false;
+  for (auto& h : em->handlers) {
+    if (!h.removed && match(h)) {
+      h.removed = true;
+      found = true;
+    }
+  }
+  em->has_removed = em->has_removed || found;
+  emitter_compact(em);
+  return found;
+}
+
 ret_t emitter_dispatch(emitter_t* em, event_t* e) {
   if (em == nullptr) return RET_OK;
   Global& gl = g();
@@ -391,10 +424,7 @@ ret_t emitter_dispatch(emitter_t* em, event_t* e) {
     if (h.removed || h.type != e->type) continue;
     ret_t r = h.func(h.ctx, e);
     if (r == RET_REMOVE) {
-      for (auto& x : em->handlers) {
-        if (x.id == h.id) x.removed = true;
-      }
-      em->has_removed = true;
+      emitter_off(em, [id = h.id](const EmitterHandler& x) { return x.id == id; });
     } else if (r == RET_STOP) {
       result = RET_STOP;
       break;
@@ -407,14 +437,7 @@ ret_t emitter_dispatch(emitter_t* em, event_t* e) {
 }
 
 void emitter_remove_ctx(emitter_t* em, void* ctx) {
-  if (em == nullptr) return;
-  for (auto& h : em->handlers) {
-    if (h.ctx == ctx && !h.removed) {
-      h.removed = true;
-      em->has_removed = true;
-    }
-  }
-  emitter_compact(em);
+  if (em != nullptr) emitter_off(em, [ctx](const EmitterHandler& h) { return h.ctx == ctx; });
 }
 
 void emitter_compact(emitter_t* em) {
@@ -618,7 +641,7 @@ LayoutAxis parse_wh(const std::string& s) {
     a.v = tk_atof(s.c_str());
   } else if (s[0] == '-') {
     a.mode = LayoutAxis::MINUS;
-    a.v = -tk_atoi(s.c_str());
+    a.v = -static_cast<double>(tk_atoi(s.c_str()));
   } else {
     a.mode = LayoutAxis::PIXEL;
     a.v = tk_atoi(s.c_str());
@@ -643,29 +666,8 @@ bool parse_params(const std::string& text, std::vector<std::pair<std::string, st
   return true;
 }
 
-int32_t axis_size(const LayoutAxis& a, int32_t parent, int32_t current) {
-  switch (a.mode) {
-    case LayoutAxis::PIXEL: return static_cast<int32_t>(a.v);
-    case LayoutAxis::PERCENT: return static_cast<int32_t>(parent * a.v / 100.0);
-    case LayoutAxis::MINUS: return parent - static_cast<int32_t>(a.v);
-    default: return current;
-  }
-}
-
-int32_t axis_offset(const LayoutAxis& a, int32_t parent) {
-  return a.offset_percent ? static_cast<int32_t>(parent * a.v / 100.0) : static_cast<int32_t>(a.v);
-}
-
-int32_t axis_pos(const LayoutAxis& a, int32_t parent, int32_t size, int32_t current) {
-  switch (a.mode) {
-    case LayoutAxis::PIXEL: return static_cast<int32_t>(a.v);
-    case LayoutAxis::PERCENT: return static_cast<int32_t>(parent * a.v / 100.0);
-    case LayoutAxis::CENTER:
-    case LayoutAxis::MIDDLE: return (parent - size) / 2 + axis_offset(a, parent);
-    case LayoutAxis::RIGHT:
-    case LayoutAxis::BOTTOM: return parent - size - axis_offset(a, parent);
-    default: return current;
-  }
+double axis_offset(const LayoutAxis& a, int32_t parent) {
+  return a.offset_percent ? std::trunc(parent * a.v / 100.0) : a.v;
 }
 
 void set_rect_silent(widget_t* w, int32_t x, int32_t y, int32_t ww, int32_t hh) {
@@ -711,6 +713,30 @@ void apply_children_layout(widget_t* w) {
 }
 
 }  // namespace
+
+int32_t axis_size(const LayoutAxis& a, int32_t parent, int32_t current) {
+  switch (a.mode) {
+    case LayoutAxis::PIXEL: return whole<int32_t>(a.v);
+    case LayoutAxis::PERCENT: return whole<int32_t>(parent * a.v / 100.0);
+    case LayoutAxis::MINUS: return whole<int32_t>(parent - a.v);
+    default: return current;
+  }
+}
+
+int32_t axis_pos(const LayoutAxis& a, int32_t parent, int32_t size, int32_t current) {
+  switch (a.mode) {
+    case LayoutAxis::PIXEL: return whole<int32_t>(a.v);
+    case LayoutAxis::PERCENT: return whole<int32_t>(parent * a.v / 100.0);
+    case LayoutAxis::CENTER:
+    case LayoutAxis::MIDDLE:
+      return whole<int32_t>(std::trunc((parent - static_cast<double>(size)) / 2) +
+                            axis_offset(a, parent));
+    case LayoutAxis::RIGHT:
+    case LayoutAxis::BOTTOM:
+      return whole<int32_t>(parent - static_cast<double>(size) - axis_offset(a, parent));
+    default: return current;
+  }
+}
 
 bool parse_self_layout(const std::string& text, SelfLayout* out) {
   std::vector<std::pair<std::string, std::string>> params;
@@ -906,8 +932,8 @@ image_draw_type_t parse_draw_type(const char* s) {
   for (auto& [name, t] : kTypes) {
     if (strcmp(name, s) == 0) return t;
   }
-  if (s[0] >= '0' && s[0] <= '9') return static_cast<image_draw_type_t>(tk_atoi(s));
-  return IMAGE_DRAW_DEFAULT;
+  int32_t n = s[0] >= '0' && s[0] <= '9' ? tk_atoi(s) : IMAGE_DRAW_DEFAULT;
+  return n <= IMAGE_DRAW_FILL ? static_cast<image_draw_type_t>(n) : IMAGE_DRAW_DEFAULT;
 }
 
 }  // namespace
@@ -999,6 +1025,21 @@ ret_t set_prop_string(widget_t* w, const char* name, const char* v, bool from_lo
   p.type = Prop::STR;
   p.s = v != nullptr ? v : "";
   h->props[name] = std::move(p);
+  return RET_OK;
+}
+
+// Parses a layout description into the widget's field; a malformed one is refused with a line.
+template <typename Layout>
+ret_t set_layout(widget_t* widget, const char* params, bool (*parse)(const std::string&, Layout*),
+                 Layout widget_host_t::*field, const char* what, const char* form) {
+  return_value_if_fail(widget != NULL && params != NULL, RET_BAD_PARAMS);
+  Layout layout;
+  if (!parse(params, &layout)) {
+    log_warn("%s \"%s\" is not of the form default(%s)\n", what, params, form);
+    return RET_BAD_PARAMS;
+  }
+  widget->host->*field = layout;
+  mark_relayout(widget);
   return RET_OK;
 }
 
@@ -1181,35 +1222,27 @@ uint32_t widget_on(widget_t* widget, uint32_t type, event_func_t on_event, void*
 }
 
 ret_t widget_off(widget_t* widget, uint32_t id) {
-  return_value_if_fail(widget != NULL && widget->emitter != NULL, RET_BAD_PARAMS);
-  for (auto& h : widget->emitter->handlers) {
-    if (h.id == id && !h.removed) {
-      h.removed = true;
-      widget->emitter->has_removed = true;
-      tk::emitter_compact(widget->emitter);
-      return RET_OK;
-    }
-  }
-  return RET_FAIL;
+  return_value_if_fail(widget != NULL, RET_BAD_PARAMS);
+  return_value_if_fail(widget->emitter != NULL, RET_BAD_PARAMS);
+  return tk::emitter_off(widget->emitter, [id](const EmitterHandler& h) { return h.id == id; })
+             ? RET_OK
+             : RET_FAIL;
 }
 
 ret_t widget_off_by_func(widget_t* widget, uint32_t type, event_func_t on_event, void* ctx) {
-  return_value_if_fail(widget != NULL && widget->emitter != NULL, RET_BAD_PARAMS);
-  bool found = false;
-  for (auto& h : widget->emitter->handlers) {
-    if (!h.removed && h.type == type && h.func == on_event && h.ctx == ctx) {
-      h.removed = true;
-      found = true;
-    }
-  }
-  if (!found) return RET_NOT_FOUND;
-  widget->emitter->has_removed = true;
-  tk::emitter_compact(widget->emitter);
-  return RET_OK;
+  return_value_if_fail(widget != NULL, RET_BAD_PARAMS);
+  return_value_if_fail(widget->emitter != NULL, RET_BAD_PARAMS);
+  return tk::emitter_off(widget->emitter,
+                         [&](const EmitterHandler& h) {
+                           return h.type == type && h.func == on_event && h.ctx == ctx;
+                         })
+             ? RET_OK
+             : RET_NOT_FOUND;
 }
 
 ret_t widget_off_by_ctx(widget_t* widget, void* ctx) {
-  return_value_if_fail(widget != NULL && widget->emitter != NULL, RET_BAD_PARAMS);
+  return_value_if_fail(widget != NULL, RET_BAD_PARAMS);
+  return_value_if_fail(widget->emitter != NULL, RET_BAD_PARAMS);
   tk::emitter_remove_ctx(widget->emitter, ctx);
   return RET_OK;
 }
@@ -1313,27 +1346,24 @@ ret_t widget_set_prop(widget_t* widget, const char* name, const value_t* v) {
     }
     default: return RET_BAD_PARAMS;
   }
-  if (v->type != VALUE_TYPE_STRING && v->type != VALUE_TYPE_WSTRING &&
-      tk::kind_find(widget->host->kind->type) != nullptr) {
-    // Keep numbers typed for custom properties.
-    ret_t r = tk::set_prop_string(widget, name, s, false, nullptr);
-    auto it = widget->host->props.find(name);
-    if (it != widget->host->props.end() && it->second.s == s) {
-      if (v->type == VALUE_TYPE_BOOL) {
-        it->second.type = tk::Prop::BOOL;
-        it->second.i = v->value.b;
-      } else if (v->type == VALUE_TYPE_FLOAT || v->type == VALUE_TYPE_FLOAT32 ||
-                 v->type == VALUE_TYPE_DOUBLE) {
-        it->second.type = tk::Prop::FLOAT;
-        it->second.f = tk_atof(s);
-      } else {
-        it->second.type = tk::Prop::INT;
-        it->second.i = strtoll(s, nullptr, 10);
-      }
+  ret_t r = tk::set_prop_string(widget, name, s, false, nullptr);
+  if (v->type == VALUE_TYPE_STRING || v->type == VALUE_TYPE_WSTRING) return r;
+  // A custom property set from a number or a boolean keeps that type.
+  auto it = widget->host->props.find(name);
+  if (it != widget->host->props.end() && it->second.s == s) {
+    if (v->type == VALUE_TYPE_BOOL) {
+      it->second.type = tk::Prop::BOOL;
+      it->second.i = v->value.b;
+    } else if (v->type == VALUE_TYPE_FLOAT || v->type == VALUE_TYPE_FLOAT32 ||
+               v->type == VALUE_TYPE_DOUBLE) {
+      it->second.type = tk::Prop::FLOAT;
+      it->second.f = tk_atof(s);
+    } else {
+      it->second.type = tk::Prop::INT;
+      it->second.i = strtoll(s, nullptr, 10);
     }
-    return r;
   }
-  return tk::set_prop_string(widget, name, s, false, nullptr);
+  return r;
 }
 
 static void value_set_str(value_t* v, const char* s) {
@@ -1448,7 +1478,7 @@ int32_t widget_get_prop_int(widget_t* widget, const char* name, int32_t defval) 
     case VALUE_TYPE_INT32: return v.value.i32;
     case VALUE_TYPE_INT64: return static_cast<int32_t>(v.value.i64);
     case VALUE_TYPE_BOOL: return v.value.b;
-    case VALUE_TYPE_DOUBLE: return static_cast<int32_t>(v.value.f64);
+    case VALUE_TYPE_DOUBLE: return tk::whole<int32_t>(v.value.f64);
     default: return defval;
   }
 }
@@ -1649,7 +1679,7 @@ ret_t widget_set_value_int(widget_t* widget, int32_t value) {
 }
 
 int32_t widget_get_value_int(widget_t* widget) {
-  return static_cast<int32_t>(widget_get_value(widget));
+  return tk::whole<int32_t>(widget_get_value(widget));
 }
 
 /* ---- styles ---- */
@@ -1716,90 +1746,53 @@ ret_t widget_set_theme(widget_t* widget, const char* name) {
 
 /* ---- geometry ---- */
 
-static void forget_layout_axes(widget_t* w, bool pos, bool size) {
-  tk::SelfLayout& sl = w->host->self_layout;
-  if (!sl.set) return;
-  if (pos) {
-    sl.x.mode = tk::LayoutAxis::UNDEF;
-    sl.y.mode = tk::LayoutAxis::UNDEF;
-  }
-  if (size) {
-    sl.w.mode = tk::LayoutAxis::UNDEF;
-    sl.h.mode = tk::LayoutAxis::UNDEF;
-  }
+// Moves and/or resizes with the event pair of the call; the self-layout axes set from code
+// become undefined, so a relayout keeps what code set.
+static ret_t set_geometry(widget_t* widget, xy_t x, xy_t y, wh_t w, wh_t h, uint32_t will,
+                          uint32_t did) {
+  bool pos = x != widget->x || y != widget->y;
+  bool size = w != widget->w || h != widget->h;
+  tk::SelfLayout& sl = widget->host->self_layout;
+  if (will != EVT_WILL_RESIZE) sl.x.mode = sl.y.mode = tk::LayoutAxis::UNDEF;
+  if (will != EVT_WILL_MOVE) sl.w.mode = sl.h.mode = tk::LayoutAxis::UNDEF;
+  if (!pos && !size) return RET_OK;
+  event_t e = event_init(will, widget);
+  widget_dispatch(widget, &e);
+  tk::invalidate_widget(widget);
+  widget->x = x;
+  widget->y = y;
+  widget->w = w;
+  widget->h = h;
+  tk::invalidate_widget(widget);
+  if (size) tk::mark_relayout(widget);
+  e = event_init(did, widget);
+  widget_dispatch(widget, &e);
+  return RET_OK;
 }
 
 ret_t widget_move(widget_t* widget, xy_t x, xy_t y) {
   return_value_if_fail(widget != NULL, RET_BAD_PARAMS);
-  forget_layout_axes(widget, true, false);
-  if (widget->x == x && widget->y == y) return RET_OK;
-  event_t e = event_init(EVT_WILL_MOVE, widget);
-  widget_dispatch(widget, &e);
-  tk::invalidate_widget(widget);
-  widget->x = x;
-  widget->y = y;
-  tk::invalidate_widget(widget);
-  e = event_init(EVT_MOVE, widget);
-  widget_dispatch(widget, &e);
-  return RET_OK;
+  return set_geometry(widget, x, y, widget->w, widget->h, EVT_WILL_MOVE, EVT_MOVE);
 }
 
 ret_t widget_resize(widget_t* widget, wh_t w, wh_t h) {
   return_value_if_fail(widget != NULL, RET_BAD_PARAMS);
-  forget_layout_axes(widget, false, true);
-  if (widget->w == w && widget->h == h) return RET_OK;
-  event_t e = event_init(EVT_WILL_RESIZE, widget);
-  widget_dispatch(widget, &e);
-  tk::invalidate_widget(widget);
-  widget->w = w;
-  widget->h = h;
-  tk::invalidate_widget(widget);
-  tk::mark_relayout(widget);
-  e = event_init(EVT_RESIZE, widget);
-  widget_dispatch(widget, &e);
-  return RET_OK;
+  return set_geometry(widget, widget->x, widget->y, w, h, EVT_WILL_RESIZE, EVT_RESIZE);
 }
 
 ret_t widget_move_resize(widget_t* widget, xy_t x, xy_t y, wh_t w, wh_t h) {
   return_value_if_fail(widget != NULL, RET_BAD_PARAMS);
-  forget_layout_axes(widget, true, true);
-  if (widget->x == x && widget->y == y && widget->w == w && widget->h == h) return RET_OK;
-  event_t e = event_init(EVT_WILL_MOVE_RESIZE, widget);
-  widget_dispatch(widget, &e);
-  tk::invalidate_widget(widget);
-  widget->x = x;
-  widget->y = y;
-  widget->w = w;
-  widget->h = h;
-  tk::invalidate_widget(widget);
-  tk::mark_relayout(widget);
-  e = event_init(EVT_MOVE_RESIZE, widget);
-  widget_dispatch(widget, &e);
-  return RET_OK;
+  return set_geometry(widget, x, y, w, h, EVT_WILL_MOVE_RESIZE, EVT_MOVE_RESIZE);
 }
 
 ret_t widget_set_self_layout(widget_t* widget, const char* params) {
-  return_value_if_fail(widget != NULL && params != NULL, RET_BAD_PARAMS);
-  tk::SelfLayout sl;
-  if (!tk::parse_self_layout(params, &sl)) {
-    log_warn("self_layout \"%s\" is not of the form default(x=..,y=..,w=..,h=..)\n", params);
-    return RET_BAD_PARAMS;
-  }
-  widget->host->self_layout = sl;
-  tk::mark_relayout(widget);
-  return RET_OK;
+  return tk::set_layout(widget, params, tk::parse_self_layout, &widget_host_t::self_layout,
+                        "self_layout", "x=..,y=..,w=..,h=..");
 }
 
 ret_t widget_set_children_layout(widget_t* widget, const char* params) {
-  return_value_if_fail(widget != NULL && params != NULL, RET_BAD_PARAMS);
-  tk::ChildrenLayout cl;
-  if (!tk::parse_children_layout(params, &cl)) {
-    log_warn("children_layout \"%s\" is not of the form default(r=..,c=..)\n", params);
-    return RET_BAD_PARAMS;
-  }
-  widget->host->children_layout = cl;
-  tk::mark_relayout(widget);
-  return RET_OK;
+  return tk::set_layout(widget, params, tk::parse_children_layout, &widget_host_t::children_layout,
+                        "children_layout", "r=..,c=..");
 }
 
 ret_t widget_layout(widget_t* widget) {
@@ -1877,6 +1870,13 @@ ret_t progress_bar_set_show_text(widget_t* widget, bool_t show_text) {
 ret_t progress_bar_set_format(widget_t* widget, const char* format) {
   return_value_if_fail(widget != NULL && tk::is_kind(widget, "progress_bar"), RET_BAD_PARAMS);
   widget->host->format = format != nullptr ? format : "";
+  bool integer = false;
+  if (!widget->host->format.empty() && tk::value_format(widget->host->format, &integer).empty()) {
+    log_warn(
+        "progress_bar \"%s\": format \"%s\" is not a format for one number; the percentage "
+        "is shown\n",
+        widget->name != nullptr ? widget->name : "", format);
+  }
   tk::progress_update_text(widget);
   tk::invalidate_widget(widget);
   return RET_OK;

@@ -230,27 +230,21 @@ widget_t* build_window(const std::string& name, const pugi::xml_document& doc,
     win->w = W;
     win->h = H;
   } else {
+    auto centred = [](int32_t screen, int32_t size) {
+      return whole<int32_t>((screen - static_cast<double>(size)) / 2);
+    };
     if (win->host->self_layout.set) {
-      // A dialog's own geometry may use the position forms: evaluate them against the screen.
-      const SelfLayout sl = win->host->self_layout;
-      widget_t tmp_parent{};
-      (void)tmp_parent;
-      int32_t ww = sl.w.mode == LayoutAxis::PERCENT ? static_cast<int32_t>(W * sl.w.v / 100)
-                   : sl.w.mode == LayoutAxis::MINUS ? W - static_cast<int32_t>(sl.w.v)
-                   : sl.w.mode == LayoutAxis::PIXEL ? static_cast<int32_t>(sl.w.v)
-                                                    : win->w;
-      int32_t hh = sl.h.mode == LayoutAxis::PERCENT ? static_cast<int32_t>(H * sl.h.v / 100)
-                   : sl.h.mode == LayoutAxis::MINUS ? H - static_cast<int32_t>(sl.h.v)
-                   : sl.h.mode == LayoutAxis::PIXEL ? static_cast<int32_t>(sl.h.v)
-                                                    : win->h;
-      win->w = ww;
-      win->h = hh;
-      win->x = sl.x.mode == LayoutAxis::PIXEL ? static_cast<int32_t>(sl.x.v) : (W - ww) / 2;
-      win->y = sl.y.mode == LayoutAxis::PIXEL ? static_cast<int32_t>(sl.y.v) : (H - hh) / 2;
+      // A dialog's own geometry may use the position forms: evaluated against the screen, and
+      // centred where a form leaves the position undefined.
+      const SelfLayout& sl = win->host->self_layout;
+      win->w = axis_size(sl.w, W, win->w);
+      win->h = axis_size(sl.h, H, win->h);
+      win->x = axis_pos(sl.x, W, win->w, centred(W, win->w));
+      win->y = axis_pos(sl.y, H, win->h, centred(H, win->h));
     }
-    if (win->x < 0 || win->y < 0 || win->x + win->w > W || win->y + win->h > H) {
-      win->x = (W - win->w) / 2;
-      win->y = (H - win->h) / 2;
+    if (win->x < 0 || win->y < 0 || int64_t{win->x} + win->w > W || int64_t{win->y} + win->h > H) {
+      win->x = centred(W, win->w);
+      win->y = centred(H, win->h);
     }
   }
   build_children(win, root, where);
@@ -317,11 +311,6 @@ ret_t back_to_impl(widget_t* target) {
   return RET_OK;
 }
 
-bool dialog_done(void* ctx) {
-  widget_t* dlg = static_cast<widget_t*>(ctx);
-  return !is_live(dlg) || dlg->host->quit;
-}
-
 ret_t queue_window_request(Request::Type type, const char* name, widget_t* w1, widget_t* w2,
                            bool flag) {
   Request r{type};
@@ -330,6 +319,53 @@ ret_t queue_window_request(Request::Type type, const char* name, widget_t* w1, w
   r.w2 = w2;
   r.flag = flag;
   return queue_push(std::move(r), nullptr);
+}
+
+// Both closes. The force-close brings the window below to the foreground before
+// EVT_WINDOW_CLOSE; the normal close does it after, and only between normal windows and
+// dialogs; a normal close of a window whose open sequence has not run yet becomes a
+// force-close in a later idle.
+ret_t close_window(widget_t* window, bool force) {
+  if (!on_ui_thread()) {
+    return queue_window_request(force ? Request::CLOSE_FORCE : Request::CLOSE, nullptr, window,
+                                nullptr, false);
+  }
+  if (!window_in_stack(window)) return RET_NOT_FOUND;
+  widget_host_t* h = window->host;
+  if (!force && h->stage == WinStage::LOADED) {
+    if (!h->close_pending) {
+      h->close_pending = true;
+      close_in_idle(window, true);
+    }
+    return RET_OK;
+  }
+  // A modal dialog closed before it quit returns DIALOG_QUIT_NONE from dialog_modal.
+  if (strcmp(h->kind->type, "dialog") == 0 && h->is_modal && !h->quit) {
+    h->quit = true;
+    h->quit_code = DIALOG_QUIT_NONE;
+  }
+  auto gone = [window] { return !is_live(window) || !window_in_stack(window); };
+  bool was_top = is_top(window);
+  if (force && was_top) {
+    widget_t* below = top_below(window);
+    if (below != nullptr) lifecycle(below, EVT_WINDOW_TO_FOREGROUND);
+    if (gone()) return RET_OK;
+  }
+  lifecycle(window, EVT_WINDOW_CLOSE);
+  if (gone()) return RET_OK;
+  retire(window);
+  if (!force && was_top) {
+    widget_t* top = window_manager_get_top_window(wm());
+    if (top != nullptr && is_normal_or_dialog(top) && is_normal_or_dialog(window)) {
+      lifecycle(top, EVT_WINDOW_TO_FOREGROUND);
+    }
+  }
+  return RET_OK;
+}
+
+bool dialog_done(void* ctx) {
+  widget_t* dlg = static_cast<widget_t*>(ctx);
+  return !is_live(dlg) || dlg->host->quit;
 }
 
 }  // namespace
@@ -583,56 +619,13 @@ ret_t window_manager_switch_to(widget_t* widget, widget_t* curr, widget_t* targe
 ret_t window_manager_close_window(widget_t* widget, widget_t* window) {
   return_value_if_fail(widget != NULL && widget == g().wm, RET_BAD_PARAMS);
   return_value_if_fail(window != NULL && widget_is_window(window), RET_BAD_PARAMS);
-  if (!tk::on_ui_thread()) {
-    return tk::queue_window_request(tk::Request::CLOSE, nullptr, window, nullptr, false);
-  }
-  if (!tk::window_in_stack(window)) return RET_NOT_FOUND;
-  widget_host_t* h = window->host;
-  if (h->stage == tk::WinStage::LOADED) {
-    if (!h->close_pending) {
-      h->close_pending = true;
-      tk::close_in_idle(window, true);
-    }
-    return RET_OK;
-  }
-  if (strcmp(h->kind->type, "dialog") == 0 && h->is_modal && !h->quit) {
-    h->quit = true;
-    h->quit_code = DIALOG_QUIT_NONE;
-  }
-  bool was_top = tk::is_top(window);
-  tk::lifecycle(window, EVT_WINDOW_CLOSE);
-  if (!tk::is_live(window) || !tk::window_in_stack(window)) return RET_OK;
-  tk::retire(window);
-  if (was_top) {
-    widget_t* top = window_manager_get_top_window(widget);
-    if (top != nullptr && tk::is_normal_or_dialog(top) && tk::is_normal_or_dialog(window)) {
-      tk::lifecycle(top, EVT_WINDOW_TO_FOREGROUND);
-    }
-  }
-  return RET_OK;
+  return tk::close_window(window, false);
 }
 
 ret_t window_manager_close_window_force(widget_t* widget, widget_t* window) {
   return_value_if_fail(widget != NULL && widget == g().wm, RET_BAD_PARAMS);
   return_value_if_fail(window != NULL && widget_is_window(window), RET_BAD_PARAMS);
-  if (!tk::on_ui_thread()) {
-    return tk::queue_window_request(tk::Request::CLOSE_FORCE, nullptr, window, nullptr, false);
-  }
-  if (!tk::window_in_stack(window)) return RET_NOT_FOUND;
-  widget_host_t* h = window->host;
-  if (strcmp(h->kind->type, "dialog") == 0 && h->is_modal && !h->quit) {
-    h->quit = true;
-    h->quit_code = DIALOG_QUIT_NONE;
-  }
-  if (tk::is_top(window)) {
-    widget_t* below = tk::top_below(window);
-    if (below != nullptr) tk::lifecycle(below, EVT_WINDOW_TO_FOREGROUND);
-  }
-  if (!tk::is_live(window) || !tk::window_in_stack(window)) return RET_OK;
-  tk::lifecycle(window, EVT_WINDOW_CLOSE);
-  if (!tk::is_live(window) || !tk::window_in_stack(window)) return RET_OK;
-  tk::retire(window);
-  return RET_OK;
+  return tk::close_window(window, true);
 }
 
 ret_t window_manager_dispatch_input_event(widget_t* widget, event_t* e) {
@@ -649,10 +642,11 @@ ret_t window_manager_dispatch_input_event(widget_t* widget, event_t* e) {
   uint32_t before = 0;
   if (e->type == EVT_KEY_DOWN) before = EVT_KEY_DOWN_BEFORE_CHILDREN;
   if (e->type == EVT_KEY_UP) before = EVT_KEY_UP_BEFORE_CHILDREN;
-  if (before != 0) {
+  key_event_t* key = key_event_cast(e);
+  if (before != 0 && key != nullptr) {
     for (widget_t* x : chain) {
       if (!tk::is_live(x)) return RET_STOP;
-      key_event_t copy = *reinterpret_cast<key_event_t*>(e);
+      key_event_t copy = *key;
       copy.e.type = before;
       if (widget_dispatch(x, &copy.e) == RET_STOP) return RET_STOP;
     }

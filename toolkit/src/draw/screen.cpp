@@ -82,9 +82,9 @@ void draw_background(Canvas& c, const widget_t* w, const Rect& r, int radius) {
   const char* bg_image = style_str(w, "bg_image");
   if (bg_image != nullptr && *bg_image != '\0') {
     if (auto pic = image_get(bg_image)) {
-      auto type =
-          static_cast<image_draw_type_t>(style_int_or(w, "bg_image_draw_type", IMAGE_DRAW_CENTER));
-      draw_image(c, *pic, r, type);
+      int32_t type = style_int_or(w, "bg_image_draw_type", IMAGE_DRAW_CENTER);
+      if (type < IMAGE_DRAW_DEFAULT || type > IMAGE_DRAW_FILL) type = IMAGE_DRAW_CENTER;
+      draw_image(c, *pic, r, static_cast<image_draw_type_t>(type));
     }
   }
 }
