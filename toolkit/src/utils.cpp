@@ -1,6 +1,6 @@
 // Logging, strings, wide strings, colours, events and time of the toolkit's C API.
+#include <algorithm>
 #include <cctype>
-#include <cerrno>
 #include <climits>
 #include <cmath>
 #include <cstdarg>
@@ -86,12 +86,10 @@ int32_t tk_atoi(const char* str) {
       p += 2;
     }
   }
-  errno = 0;
-  long long v = strtoll(p, nullptr, base);
-  if (neg) v = -v;
-  if (v > INT32_MAX) return INT32_MAX;
-  if (v < INT32_MIN) return INT32_MIN;
-  return static_cast<int32_t>(v);
+  // No second sign (strtoull would take one); strtoull saturates at its maximum.
+  unsigned long long v = (*p == '-' || *p == '+') ? 0 : strtoull(p, nullptr, base);
+  if (neg) return v >= uint64_t{1} << 31 ? INT32_MIN : -static_cast<int32_t>(v);
+  return v > INT32_MAX ? INT32_MAX : static_cast<int32_t>(v);
 }
 
 bool_t tk_atob(const char* str) {
@@ -476,7 +474,7 @@ extern "C" color_t color_parse(const char* str) {
       a = strtod(end, &end);
     }
     return color_init(clamp_byte(r), clamp_byte(g), clamp_byte(bl),
-                      clamp_byte(std::lround(a * 255.0)));
+                      clamp_byte(std::lround(std::clamp(a, 0.0, 1.0) * 255.0)));
   }
   if (s.rfind("linear-gradient(", 0) == 0) {
     // Only the first colour stop is kept as the solid colour.
