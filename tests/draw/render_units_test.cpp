@@ -194,24 +194,6 @@ TEST_F(DrawText, ScriptsAndSizes) {
   Rect one = ink_box(draw("H", ALIGN_H_LEFT, ALIGN_V_TOP, box));
   Rect two = ink_box(draw("H\nH", ALIGN_H_LEFT, ALIGN_V_TOP, box));
   EXPECT_GT(two.h, one.h * 2);
-  int w = 0;
-  int h = 0;
-  ASSERT_TRUE(tk::draw::measure_text("H\nHH", "default", 20, w, h));
-  EXPECT_GT(h, 2 * 20);
-  EXPECT_GT(w, 0);
-}
-
-TEST_F(DrawText, RenderedLinesAreCachedAndCanBeDropped) {
-  tk_testing_drop_draw_caches();
-  Rect box{0, 0, 200, 100};
-  draw("cached", ALIGN_H_LEFT, ALIGN_V_TOP, box);
-  size_t n = tk::draw::text_cache_size();
-  draw("cached", ALIGN_H_LEFT, ALIGN_V_TOP, box);
-  EXPECT_EQ(tk::draw::text_cache_size(), n);
-  draw("another", ALIGN_H_LEFT, ALIGN_V_TOP, box);
-  EXPECT_EQ(tk::draw::text_cache_size(), n + 1);
-  tk_testing_drop_draw_caches();
-  EXPECT_EQ(tk::draw::text_cache_size(), 0u);
 }
 
 TEST(DrawImageFiles, PngJpegAndBmpAllDecode) {

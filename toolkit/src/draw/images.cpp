@@ -132,13 +132,6 @@ void image_cache_clear() {
   c.bytes = 0;
 }
 
-size_t image_cache_size() {
-  size_t n = 0;
-  for (const auto& [name, e] : cache().entries)
-    n += e.pic ? 1 : 0;
-  return n;
-}
-
 namespace {
 
 // Draws copies of `src_rect` side by side over `area`, the first copy's top-left corner at

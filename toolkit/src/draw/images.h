@@ -18,8 +18,6 @@ std::shared_ptr<const Pixmap> image_get(const char* name);
 
 // Forgets every decoded picture and every name logged as missing.
 void image_cache_clear();
-// Number of decoded pictures held (tests and benchmarks).
-size_t image_cache_size();
 
 // Draws `pic` into the widget rectangle `r` by `type`, clipped to `r`.
 void draw_image(Canvas& c, const Pixmap& pic, const Rect& r, image_draw_type_t type);

@@ -48,20 +48,6 @@ bool load_picture(const std::string& path, Pixmap& out, std::string& error) {
   return surface_to_pixmap(loaded.get(), out, error);
 }
 
-bool load_picture_mem(const void* data, size_t size, Pixmap& out, std::string& error) {
-  SDL_RWops* rw = SDL_RWFromConstMem(data, static_cast<int>(size));
-  if (rw == nullptr) {
-    error = SDL_GetError();
-    return false;
-  }
-  SurfacePtr loaded(IMG_Load_RW(rw, 1));
-  if (!loaded) {
-    error = IMG_GetError();
-    return false;
-  }
-  return surface_to_pixmap(loaded.get(), out, error);
-}
-
 bool save_png(const Pixmap& pic, const std::string& path, std::string& error) {
   if (pic.empty()) {
     error = "empty picture";

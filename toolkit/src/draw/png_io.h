@@ -13,9 +13,6 @@ namespace tk::draw {
 // a one-line reason into `error`.
 bool load_picture(const std::string& path, Pixmap& out, std::string& error);
 
-// Decodes a picture held in memory (any format SDL2_image knows).
-bool load_picture_mem(const void* data, size_t size, Pixmap& out, std::string& error);
-
 // Writes `pic` as an RGBA PNG. The file is written under a temporary name in the same
 // directory and renamed into place, so a reader never sees half a file.
 bool save_png(const Pixmap& pic, const std::string& path, std::string& error);

@@ -191,26 +191,6 @@ void text_cache_clear() {
   st().reported.clear();
 }
 
-size_t text_cache_size() {
-  return st().lines.size();
-}
-
-bool measure_text(std::string_view text, const std::string& font_name, int font_size, int& w,
-                  int& h) {
-  w = 0;
-  h = 0;
-  std::string file;
-  TTF_Font* font = font_for(font_name, font_size, file);
-  if (font == nullptr) return false;
-  auto lines = split_lines(text);
-  for (auto line : lines) {
-    const Mask* m = line_mask(font, file, font_size, line);
-    w = std::max(w, m->w);
-  }
-  h = TTF_FontLineSkip(font) * static_cast<int>(lines.size() - 1) + TTF_FontHeight(font);
-  return true;
-}
-
 void draw_text(Canvas& c, const Rect& box, std::string_view text, const TextStyle& style) {
   if (text.empty() || box.empty() || style.font_size <= 0) return;
   Rect saved = c.clip();

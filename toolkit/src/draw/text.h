@@ -24,11 +24,6 @@ struct TextStyle {
 // A font that cannot be found or opened is reported once; nothing is drawn for it.
 void draw_text(Canvas& c, const Rect& box, std::string_view text, const TextStyle& style);
 
-// Width and height in pixels of the text's widest line and of all its lines; false when the
-// font is unavailable.
-bool measure_text(std::string_view text, const std::string& font_name, int font_size, int& w,
-                  int& h);
-
 // The file the font `name` is read from: the theme's fonts/<name>.ttf or .otf; for "default"
 // (and any other name without a file) the system font; "" when none exists.
 std::string font_file(const std::string& name);
@@ -39,7 +34,6 @@ void set_system_font(const std::string& path);
 
 // Closes every font and drops every rendered text (locale change, tests).
 void text_cache_clear();
-size_t text_cache_size();
 
 }  // namespace tk::draw
 
