@@ -28,11 +28,18 @@ void drain_ui() {
   }
 }
 
-// A temporary device tree and resource directory, the toolkit on its test clock, and standard
-// output to /dev/null (the link prints a line for nearly every frame; findings go to stderr).
+// A temporary device tree and resource directory (removed at exit), the toolkit on its test
+// clock, and standard output to /dev/null (the link prints a line for nearly every frame; findings
+// go to stderr).
+std::string tree;
+
 bool start() {
-  std::string tree = (std::filesystem::temp_directory_path() / "link-fuzz-XXXXXX").string();
+  tree = (std::filesystem::temp_directory_path() / "link-fuzz-XXXXXX").string();
   if (mkdtemp(tree.data()) == nullptr) std::abort();
+  std::atexit([] {
+    std::error_code ec;
+    std::filesystem::remove_all(tree, ec);
+  });
   std::filesystem::create_directories(tree + "/res/assets/default/raw/ui");
   std::filesystem::create_directories(tree + "/root/usrdata/release");
   setenv("TK_HEADLESS", "1", 1);
