@@ -91,9 +91,12 @@ void destroy_window_idle(widget_t* win) {
 
 void retire(widget_t* win) {
   emitter_remove_ctx(wm()->emitter, win);
+  // Removing the window from the stack clears the window manager's key target if it was this
+  // window: the keys then go to the window now on top.
+  bool had_keys = wm()->key_target == win;
   stack_remove(win);
   win->host->stage = WinStage::CLOSED;
-  if (wm()->key_target == win) refresh_key_target();
+  if (had_keys) refresh_key_target();
   g().doomed.push_back(win);
   idle_call([win] { destroy_window_idle(win); });
 }
