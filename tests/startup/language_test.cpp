@@ -1,5 +1,6 @@
 // The language table and the language configuration file, through Inf_GetCustomConfigs.
 #include <cstring>
+#include <sstream>
 #include <string>
 
 #include "common/common_function.h"
@@ -44,11 +45,11 @@ TEST_F(LanguageConfig, NamesCaseRulesLimitsAndBadFiles) {
     } g;
     memset(&g, 0x5A, sizeof g);
     const std::string out = printed_by([&] { EXPECT_EQ(Inf_GetCustomConfigs(&g.config), 0); });
-    std::string shown = std::to_string(g.config.s8DefaultLanguage) + " " +
-                        std::to_string(g.config.s8LangListCount) + ":";
+    std::ostringstream shown;
+    shown << +g.config.s8DefaultLanguage << " " << +g.config.s8LangListCount << ":";
     for (char entry : g.config.s8LangList)
-      shown += " " + std::to_string(static_cast<uint8_t>(entry));
-    EXPECT_EQ(shown, c.expected) << (c.json != nullptr ? c.json : "(no file)");
+      shown << " " << +static_cast<uint8_t>(entry);
+    EXPECT_EQ(shown.str(), c.expected) << (c.json != nullptr ? c.json : "(no file)");
     EXPECT_NE(out.find(c.printed), std::string::npos) << out;
     EXPECT_EQ(std::string(g.guard, 16), std::string(16, 0x5A)) << "written past the record";
   }
