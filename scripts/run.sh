@@ -25,7 +25,7 @@ top=$(pwd)
 build=$top/build/dev
 
 if [ "${SCOPE_RUN_STAGE:-}" != "namespace" ]; then
-  scripts/deps.sh || { echo "make run: the Debian packages above are missing; nothing started" >&2; exit 1; }
+  scripts/deps.sh || { echo "make run: missing Debian packages not installed; nothing started" >&2; exit 1; }
   if ! cmake --preset dev >/dev/null ||
     ! cmake --build --preset dev --target inf_menu devsim sample_media backdrop; then
     echo "make run: the build failed; nothing started" >&2
@@ -55,7 +55,8 @@ cleanup() {
   trap - EXIT
   for pid in $ui_pid $sim_pid; do kill "$pid" 2>/dev/null || true; done
   wait 2>/dev/null || true
-  for key in ${SCOPE_MSG_KEYS//,/ }; do ipcrm -Q "$key" 2>/dev/null || true; done
+  keys=${SCOPE_MSG_KEYS:-}
+  for key in ${keys//,/ }; do ipcrm -Q "$key" 2>/dev/null || true; done
   if [ -n "$tree" ]; then
     umount "$tree/usrdata/media" 2>/dev/null || true
     rm -rf "$tree"
