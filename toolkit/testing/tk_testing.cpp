@@ -39,6 +39,7 @@ void tk_testing_reset(void) {
   gl.capture_log = false;
   tk::style_cache_clear();
   tk::locale_apply("en", "US");
+  tk_testing_reset_drawing();
 }
 
 void tk_testing_set_app_root(const char* app_root) {

@@ -31,7 +31,7 @@ void tk_testing_init_ex(wh_t w, wh_t h, const char* app_root);
 // its idle is destroyed and freed at once (EVT_DESTROY only, no window events), all timers,
 // idles and queued requests dropped, window-manager handlers removed, held keys forgotten, counters
 // (overflows, failed lookups) and captured log lines cleared, locale back to en_US, style cache
-// dropped. The clock keeps its value.
+// dropped, the drawing state as at start (tk_testing_reset_drawing). The clock keeps its value.
 void tk_testing_reset(void);
 
 // Points the toolkit at another resource directory (one with assets/), e.g. a temporary tree a
@@ -142,5 +142,8 @@ ret_t tk_testing_set_backdrop(const char* png_path);
 void tk_testing_set_system_font(const char* path);
 // Drops decoded images and rendered text, and forgets which names were reported missing.
 void tk_testing_drop_draw_caches(void);
+// Part of tk_testing_reset: the system font restored, the caches dropped, the backdrop black
+// and the whole frame to be painted again.
+void tk_testing_reset_drawing(void);
 
 #endif /* TK_TESTING_H */

@@ -81,3 +81,11 @@ void tk_testing_drop_draw_caches(void) {
   tk::draw::image_cache_clear();
   tk::draw::text_cache_clear();
 }
+
+void tk_testing_reset_drawing(void) {
+  tk::draw::set_system_font("");
+  tk::draw::image_cache_clear();
+  if (tk::draw::screen().ready) {
+    tk::draw::set_backdrop("");  // also marks the whole screen to be painted again
+  }
+}

@@ -181,6 +181,7 @@ std::string font_file(const std::string& name) {
 }
 
 void set_system_font(const std::string& path) {
+  if (path == st().system_font_override) return;
   close_fonts();
   st().system_font_override = path;
   st().reported.clear();

@@ -29,7 +29,7 @@ void draw_text(Canvas& c, const Rect& box, std::string_view text, const TextStyl
 std::string font_file(const std::string& name);
 
 // Replaces the system font file used when the theme has no default.ttf ("" restores the
-// built-in choice). Drops every opened font and rendered text.
+// built-in choice). Drops every opened font and rendered text when the file changes.
 void set_system_font(const std::string& path);
 
 // Closes every font and drops every rendered text (locale change, tests).
