@@ -11,25 +11,12 @@
 #include <cstring>
 #include <filesystem>
 #include <fstream>
-#include <sstream>
 #include <string>
 
+#include "tk_core.h"
 #include "tk_strings.h"
 
 namespace fs = std::filesystem;
-
-namespace {
-
-bool read_all(const fs::path& p, std::string* out) {
-  std::ifstream in(p, std::ios::binary);
-  if (!in) return false;
-  std::ostringstream ss;
-  ss << in.rdbuf();
-  *out = ss.str();
-  return true;
-}
-
-}  // namespace
 
 int main(int argc, char** argv) {
   bool check = false;
@@ -61,7 +48,7 @@ int main(int argc, char** argv) {
     std::string bin = tk::strings_table_bin(table);
     if (check) {
       std::string have;
-      if (!read_all(out, &have)) {
+      if (!tk::read_file(out.string(), &have)) {
         fprintf(stderr, "strgen: %s is missing\n", out.c_str());
         problems++;
       } else if (have != bin) {
