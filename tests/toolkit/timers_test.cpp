@@ -5,14 +5,9 @@ namespace {
 
 std::vector<std::pair<uint64_t, uintptr_t>> fired;
 
-ret_t note_once(const timer_info_t* t) {
+ret_t note(const timer_info_t* t) {
   fired.emplace_back(t->now, reinterpret_cast<uintptr_t>(t->ctx));
-  return RET_REMOVE;
-}
-
-ret_t note_repeat(const timer_info_t* t) {
-  fired.emplace_back(t->now, reinterpret_cast<uintptr_t>(t->ctx));
-  return RET_REPEAT;
+  return reinterpret_cast<uintptr_t>(t->ctx) >= 100 ? RET_REPEAT : RET_OK;
 }
 
 void* tag(uintptr_t n) {
@@ -31,199 +26,127 @@ class Timers : public ToolkitTest {
   uint64_t start_ = 0;
 };
 
-TEST_F(Timers, DueTimersRunInTimeOrderThenIdOrder) {
-  timer_add(note_once, tag(3), 300);
-  timer_add(note_once, tag(1), 100);
-  timer_add(note_once, tag(2), 200);
-  timer_add(note_once, tag(4), 200);
-  tk_testing_advance(250);
-  ASSERT_EQ(fired.size(), 3u);
-  EXPECT_EQ(fired[0], std::make_pair(start_ + 100, uintptr_t{1}));
-  EXPECT_EQ(fired[1], std::make_pair(start_ + 200, uintptr_t{2}));
-  EXPECT_EQ(fired[2], std::make_pair(start_ + 200, uintptr_t{4}));
-  tk_testing_advance(50);
-  ASSERT_EQ(fired.size(), 4u);
-  EXPECT_EQ(fired[3], std::make_pair(start_ + 300, uintptr_t{3}));
-}
-
-TEST_F(Timers, RepeatKeepsATimerAndAnyOtherResultRemovesIt) {
-  timer_add(note_repeat, tag(1), 100);
-  timer_add([](const timer_info_t* t) { return note_once(t), RET_OK; }, tag(2), 100);
-  tk_testing_advance(350);
-  int ones = 0, twos = 0;
-  for (auto& f : fired)
-    (f.second == 1 ? ones : twos)++;
-  EXPECT_EQ(ones, 3);
-  EXPECT_EQ(twos, 1);
+TEST_F(Timers, DueTimersRunInTimeThenIdOrderAndOnlyRepeatKeepsThem) {
+  timer_add(note, tag(3), 300);
+  timer_add(note, tag(1), 100);
+  timer_add(note, tag(2), 200);
+  timer_add(note, tag(4), 200);
+  timer_add(note, tag(100), 150);  // repeats
+  tk_testing_advance(310);
+  using F = std::vector<std::pair<uint64_t, uintptr_t>>;
+  EXPECT_EQ(fired, (F{{start_ + 100, 1},
+                      {start_ + 150, 100},
+                      {start_ + 200, 2},
+                      {start_ + 200, 4},
+                      {start_ + 300, 3},
+                      {start_ + 300, 100}}));
 }
 
 TEST_F(Timers, TheNextPeriodIsMeasuredFromTheCallback) {
-  static int calls = 0;
-  calls = 0;
   timer_add(
       [](const timer_info_t* t) {
         fired.emplace_back(t->now, 0);
-        // The callback takes 30 ms: the next run is 100 ms after it ends.
-        if (++calls == 1) sleep_ms(30);
+        // The first call takes 30 ms: the next run is 100 ms after it ends.
+        if (fired.size() == 1) sleep_ms(30);
         return RET_REPEAT;
       },
       nullptr, 100);
   tk_testing_advance(400);
   ASSERT_EQ(fired.size(), 3u);
-  EXPECT_EQ(fired[0].first, start_ + 100);
   EXPECT_EQ(fired[1].first, start_ + 230);
   EXPECT_EQ(fired[2].first, start_ + 330);
 }
 
-TEST_F(Timers, ATimerRemovedByAnotherCallbackDueAtTheSameTimeNeverRuns) {
+TEST_F(Timers, RemovalInsideCallbacks) {
+  // A timer removed by another one due at the same time never runs.
   static uint32_t victim = 0;
   timer_add(
       [](const timer_info_t* t) {
         EXPECT_EQ(timer_remove(victim), RET_OK);
-        return note_once(t);
+        return note(t);
       },
       tag(1), 100);
-  victim = timer_add(note_once, tag(2), 100);
-  tk_testing_advance(500);
-  ASSERT_EQ(fired.size(), 1u);
-  EXPECT_EQ(fired[0].second, 1u);
-}
-
-TEST_F(Timers, ATimerRemovingItselfAndAskingToRepeatIsGone) {
+  victim = timer_add(note, tag(2), 100);
+  // A timer removing itself and asking to repeat is gone.
   timer_add(
       [](const timer_info_t* t) {
-        fired.emplace_back(t->now, t->id);
         EXPECT_EQ(timer_remove(t->id), RET_OK);
+        EXPECT_EQ(timer_remove(t->id), RET_NOT_FOUND);
+        note(t);
         return RET_REPEAT;
       },
-      nullptr, 50);
+      tag(300), 50);
   tk_testing_advance(500);
-  EXPECT_EQ(fired.size(), 1u);
+  using F = std::vector<std::pair<uint64_t, uintptr_t>>;
+  EXPECT_EQ(fired, (F{{start_ + 50, 300}, {start_ + 100, 1}}));
 }
 
-TEST_F(Timers, RemoveReportsBadParamsForZeroAndNotFoundForUnknownIds) {
-  uint32_t id = timer_add(note_once, nullptr, 100);
+TEST_F(Timers, IdsGrowFromOneAreNeverReusedAndBadIdsAreReported) {
+  uint32_t a = timer_add(note, nullptr, 10);
+  uint32_t b = timer_add(note, nullptr, 10);
+  EXPECT_TRUE(a >= 1 && b == a + 1);
+  EXPECT_EQ(timer_remove(a), RET_OK);
+  EXPECT_EQ(timer_remove(a), RET_NOT_FOUND);
+  EXPECT_GT(timer_add(note, nullptr, 10), b);
   EXPECT_EQ(timer_remove(0), RET_BAD_PARAMS);
   EXPECT_TRUE(tk_testing_log_contains("condition(timer_id != TK_INVALID_ID) failed!"));
-  EXPECT_EQ(timer_remove(id + 1000), RET_NOT_FOUND);
-  EXPECT_EQ(timer_remove(id), RET_OK);
-  EXPECT_EQ(timer_remove(id), RET_NOT_FOUND);
-  tk_testing_advance(200);
-  EXPECT_TRUE(fired.empty());
-}
-
-TEST_F(Timers, IdsGrowFromOneAndAreNeverReused) {
-  uint32_t a = timer_add(note_once, nullptr, 10);
-  uint32_t b = timer_add(note_once, nullptr, 10);
-  EXPECT_GE(a, 1u);
-  EXPECT_EQ(b, a + 1);
-  timer_remove(a);
-  uint32_t c = timer_add(note_once, nullptr, 10);
-  EXPECT_GT(c, b);
+  EXPECT_EQ(timer_add(nullptr, nullptr, 10), TK_INVALID_ID);
   // Idles count separately.
   uint32_t i1 = idle_add([](const idle_info_t*) { return RET_REMOVE; }, nullptr);
-  uint32_t i2 = idle_add([](const idle_info_t*) { return RET_REMOVE; }, nullptr);
-  EXPECT_GE(i1, 1u);
-  EXPECT_EQ(i2, i1 + 1);
-  EXPECT_EQ(timer_add(nullptr, nullptr, 10), TK_INVALID_ID);
+  EXPECT_TRUE(i1 >= 1 &&
+              idle_add([](const idle_info_t*) { return RET_REMOVE; }, nullptr) == i1 + 1);
 }
 
 TEST_F(Timers, WidgetTimersGetTheWidgetAndDieWithIt) {
   write_window("W", "", "<label name=\"l\"/>");
   widget_t* w = open("W");
   widget_t* l = widget_lookup(w, "l", TRUE);
-  static widget_t* seen = nullptr;
-  static int count = 0;
-  seen = nullptr;
-  count = 0;
   uint32_t id = widget_add_timer(
       l,
       [](const timer_info_t* t) {
-        seen = static_cast<widget_t*>(t->ctx);
-        count++;
+        fired.emplace_back(t->now, reinterpret_cast<uintptr_t>(t->ctx));
         return RET_REPEAT;
       },
       100);
-  uint32_t plain = timer_add(note_repeat, nullptr, 100);
+  uint32_t plain = timer_add(note, tag(100), 100);
+  uint32_t removed = widget_add_timer(w, note, 100);
+  EXPECT_EQ(widget_remove_timer(w, removed), RET_OK);
   tk_testing_advance(100);
-  EXPECT_EQ(seen, l);
-  EXPECT_EQ(count, 1);
+  using F = std::vector<std::pair<uint64_t, uintptr_t>>;
+  EXPECT_EQ(fired, (F{{start_ + 100, reinterpret_cast<uintptr_t>(l)}, {start_ + 100, 100}}));
   window_close(w);
   tk_testing_advance(500);
-  EXPECT_EQ(count, 1);
+  EXPECT_EQ(fired.size(), 7u);  // only the plain timer ran on
   EXPECT_EQ(timer_remove(id), RET_NOT_FOUND);
-  // A plain timer is never removed automatically.
   EXPECT_EQ(timer_remove(plain), RET_OK);
-}
-
-TEST_F(Timers, WidgetRemoveTimerRemovesById) {
-  write_window("W");
-  widget_t* w = open("W");
-  uint32_t id = widget_add_timer(w, note_once, 100);
-  EXPECT_EQ(widget_remove_timer(w, id), RET_OK);
-  tk_testing_advance(200);
-  EXPECT_TRUE(fired.empty());
 }
 
 TEST_F(Timers, IdlesRunOnTheNextPassAndRepeatOnlyWhenAsked) {
   static int once = 0, again = 0;
   once = again = 0;
-  idle_add(
-      [](const idle_info_t*) {
-        once++;
-        return RET_OK;
-      },
-      nullptr);
-  uint32_t rep = idle_add(
-      [](const idle_info_t*) {
-        again++;
-        return RET_REPEAT;
-      },
-      nullptr);
-  EXPECT_EQ(once, 0);
+  idle_add([](const idle_info_t*) { return once++, RET_OK; }, nullptr);
+  uint32_t rep = idle_add([](const idle_info_t*) { return again++, RET_REPEAT; }, nullptr);
+  EXPECT_EQ(once + again, 0);
   tk_testing_advance(0);
+  EXPECT_EQ(once + again, 2);
+  timer_add(note, tag(100), 10);  // a step now and every 10 ms
+  tk_testing_advance(30);
   EXPECT_EQ(once, 1);
-  EXPECT_EQ(again, 1);
-  timer_add(note_once, nullptr, 10);
-  tk_testing_advance(20);
-  EXPECT_EQ(once, 1);
-  EXPECT_GE(again, 2);
+  EXPECT_EQ(again, 5);
   EXPECT_EQ(idle_remove(rep), RET_OK);
-  int before = again;
-  timer_add(note_once, nullptr, 10);
-  tk_testing_advance(20);
-  EXPECT_EQ(again, before);
+  tk_testing_advance(30);
+  EXPECT_EQ(again, 5);
 }
 
-TEST_F(Timers, SleepMsMovesTheTestClockWithoutRunningTimers) {
-  timer_add(note_once, nullptr, 50);
-  uint64_t t0 = time_now_ms();
+TEST_F(Timers, SleepMsMovesTheTestClockWithoutRunningTimersAndTkQuitEndsTkRun) {
+  timer_add(note, nullptr, 50);
   sleep_ms(100);
-  EXPECT_EQ(time_now_ms(), t0 + 100);
+  EXPECT_EQ(time_now_ms(), start_ + 100);
   EXPECT_TRUE(fired.empty());
   tk_testing_advance(0);
   EXPECT_EQ(fired.size(), 1u);
   EXPECT_EQ(time_now_s(), time_now_ms() / 1000);
-}
-
-TEST_F(Timers, TkQuitEndsTkRunAfterTheCurrentStep) {
-  timer_add(
-      [](const timer_info_t*) {
-        tk_quit();
-        return RET_REMOVE;
-      },
-      nullptr, 5000);
+  timer_add([](const timer_info_t*) { return tk_quit(); }, nullptr, 5000);
   EXPECT_EQ(tk_run(), RET_OK);
-  EXPECT_EQ(tk_testing_now(), start_ + 5000);
-}
-
-TEST_F(Timers, TimerModifyAndResetMoveTheDueTime) {
-  uint32_t id = timer_add(note_once, nullptr, 100);
-  tk_testing_advance(80);
-  EXPECT_EQ(timer_reset(id), RET_OK);
-  tk_testing_advance(80);
-  EXPECT_TRUE(fired.empty());
-  EXPECT_EQ(timer_modify(id, 10), RET_OK);
-  tk_testing_advance(0);
-  EXPECT_EQ(fired.size(), 1u);
+  EXPECT_EQ(tk_testing_now(), start_ + 5100);
 }

@@ -15,13 +15,15 @@
 #include "main_loop/main_loop_simple.h"
 #include "tk_testing.h"
 
+using Names = std::vector<std::string>;
+
 class ToolkitTest : public ::testing::Test {
  protected:
   void SetUp() override {
     tk_testing_init();
     char tmpl[] = "/tmp/tk_test_XXXXXX";
     root_ = mkdtemp(tmpl);
-    for (const char* sub : {"ui", "styles", "strings", "images/x1"}) {
+    for (const char* sub : {"ui", "styles", "strings"}) {
       std::filesystem::create_directories(root_ + "/assets/default/raw/" + sub);
     }
     // The base theme of the project, so style tests see the real default.xml.
@@ -43,12 +45,16 @@ class ToolkitTest : public ::testing::Test {
   void write_ui(const std::string& name, const std::string& xml) {
     write("ui/" + name + ".xml", xml);
   }
-  // A plain window layout named `name`, with extra root attributes.
+  // A plain window layout named `name`, with extra root attributes and children.
   void write_window(const std::string& name, const std::string& attrs = "",
                     const std::string& body = "") {
     write_ui(name, "<window name=\"" + name + "\" " + attrs + ">" + body + "</window>");
   }
+  void write_dialog(const std::string& name) {
+    write_ui(name, "<dialog name=\"" + name + "\" w=\"200\" h=\"100\"/>");
+  }
 
+  // Opens and runs the open sequence.
   widget_t* open(const char* name) {
     widget_t* w = window_open(name);
     tk_testing_advance(0);
@@ -67,27 +73,21 @@ class ToolkitTest : public ::testing::Test {
       case EVT_KEY_DOWN: return "key_down";
       case EVT_KEY_UP: return "key_up";
       case EVT_KEY_DOWN_BEFORE_CHILDREN: return "key_down_before";
-      case EVT_KEY_UP_BEFORE_CHILDREN: return "key_up_before";
       case EVT_KEY_LONG_PRESS: return "long_press";
-      case EVT_REQUEST_CLOSE_WINDOW: return "request_close";
-      case EVT_LOCALE_CHANGED: return "locale_changed";
       default: return std::to_string(type);
     }
   }
 
-  // Records "<widget name>:<event>" (WM copies of window events as "wm:<event>:<window>").
+  // Records "<widget name>:<event>[:<window of a window_event_t>][:<key>]" and returns the
+  // ret_t that ctx points to (RET_OK without one).
   static ret_t record(void* ctx, event_t* e) {
     widget_t* w = static_cast<widget_t*>(e->target);
-    std::string line = (w == window_manager()) ? "wm" : (w->name ? w->name : "?");
-    line += ":" + event_name(e->type);
-    // The window manager's copies carry the window (window_event_cast accepts only some types).
-    window_event_t* we =
-        e->size == sizeof(window_event_t) ? reinterpret_cast<window_event_t*>(e) : nullptr;
-    if (w == window_manager() && we != nullptr && we->window != nullptr) {
-      line += std::string(":") + we->window->name;
-    }
-    key_event_t* ke = key_event_cast(e);
-    if (ke != nullptr) line += ":" + std::to_string(ke->key);
+    std::string line = w == window_manager() ? "wm" : (w->name ? w->name : "?");
+    line.append(":").append(event_name(e->type));
+    widget_t* win =
+        e->size == sizeof(window_event_t) ? reinterpret_cast<window_event_t*>(e)->window : nullptr;
+    if (win != nullptr) line.append(":").append(win->name);
+    if (key_event_t* ke = key_event_cast(e)) line.append(":").append(std::to_string(ke->key));
     events_.push_back(line);
     return ctx == nullptr ? RET_OK : *static_cast<ret_t*>(ctx);
   }
@@ -101,14 +101,21 @@ class ToolkitTest : public ::testing::Test {
               EVT_WINDOW_TO_FOREGROUND, EVT_WINDOW_CLOSE, EVT_TOP_WINDOW_CHANGED});
   }
 
-  static std::string joined() {
+  // The recorded events joined by spaces, then forgotten.
+  static std::string take_events() {
     std::string s;
     for (const std::string& e : events_)
       s += (s.empty() ? "" : " ") + e;
+    events_.clear();
     return s;
   }
 
-  static std::vector<std::string> stack_names() { return tk_testing_window_names(); }
+  static Names stack_names() { return tk_testing_window_names(); }
+  static std::string text(widget_t* w) {
+    char buf[256];
+    widget_get_text_utf8(w, buf, sizeof(buf));
+    return buf;
+  }
 
   std::string root_;
   static inline std::vector<std::string> events_;

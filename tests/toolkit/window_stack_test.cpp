@@ -1,162 +1,105 @@
-// Window stack: opening, closing, going back, switching, single instances and dialogs.
+// Window stack: opening, closing, going back, switching, single instances, dialogs, layout
+// errors and the key-up swallowed after the top window changed.
 #include "tk_fixture.h"
 
-using Names = std::vector<std::string>;
-
-class WindowStack : public ToolkitTest {};
+class WindowStack : public ToolkitTest {
+ protected:
+  void write_windows(std::initializer_list<const char*> names) {
+    for (const char* n : names)
+      write_window(n);
+  }
+};
 
 TEST_F(WindowStack, OpenAppendsAtOnceAndRunsTheOpenSequenceOnTheNextIdlePass) {
-  write_window("A");
-  write_window("B");
+  write_windows({"A", "B"});
   widget_t* wm = window_manager();
   watch_window_events(wm);
   widget_t* a = window_open("A");
   ASSERT_NE(a, nullptr);
   EXPECT_EQ(window_manager_get_top_window(wm), a);
-  // Attached right after window_open: still sees the whole sequence.
+  // Attached right after window_open: still sees the whole sequence. The window's own copies
+  // are plain events; only the window manager's carry the window.
   watch_window_events(a);
-  EXPECT_TRUE(events_.empty());
+  EXPECT_EQ(take_events(), "");
   tk_testing_advance(0);
-  EXPECT_EQ(joined(), "A:will_open wm:will_open:A A:open wm:top_changed wm:open:A");
-
-  events_.clear();
+  EXPECT_EQ(take_events(), "A:will_open wm:will_open:A A:open wm:top_changed wm:open:A");
   widget_t* b = window_open("B");
   watch_window_events(b);
   tk_testing_advance(0);
-  EXPECT_EQ(joined(),
+  EXPECT_EQ(take_events(),
             "B:will_open wm:will_open:B A:to_background wm:to_background:A B:open "
             "wm:top_changed wm:open:B");
   EXPECT_EQ(stack_names(), (Names{"A", "B"}));
   EXPECT_TRUE(widget_is_window_opened(b));
 }
 
-TEST_F(WindowStack, WindowEventCastOnlyOnTheWindowManagerCopy) {
-  write_window("A");
-  static int cast_on_window = -1, cast_on_wm = -1;
-  widget_t* a = window_open("A");
-  widget_on(
-      a, EVT_WINDOW_OPEN,
-      [](void*, event_t* e) {
-        cast_on_window = window_event_cast(e) != nullptr;
-        return RET_OK;
-      },
-      nullptr);
-  widget_on(
-      window_manager(), EVT_WINDOW_OPEN,
-      [](void*, event_t* e) {
-        window_event_t* we = window_event_cast(e);
-        cast_on_wm = we != nullptr && we->window != nullptr;
-        return RET_OK;
-      },
-      nullptr);
-  tk_testing_advance(0);
-  EXPECT_EQ(cast_on_window, 0);
-  EXPECT_EQ(cast_on_wm, 1);
-}
-
-TEST_F(WindowStack, CloseRemovesAtOnceAndDestroysInAnIdle) {
-  write_window("A");
-  write_window("B");
+TEST_F(WindowStack, CloseSendsCloseThenForegroundAndForceCloseTheOtherWayRound) {
+  write_windows({"A", "B", "C"});
   widget_t* a = open("A");
   widget_t* b = open("B");
-  watch_window_events(a);
-  watch_window_events(b);
-  watch_window_events(window_manager());
-  watch(b, {EVT_DESTROY});
-  EXPECT_EQ(window_close(b), RET_OK);
-  EXPECT_EQ(window_manager_get_top_window(window_manager()), a);
-  EXPECT_EQ(joined(), "B:close wm:close:B A:to_foreground wm:to_foreground:A");
-  events_.clear();
+  widget_t* c = open("C");
+  for (widget_t* w : {a, b, c, window_manager()})
+    watch_window_events(w);
+  watch(c, {EVT_DESTROY});
+  EXPECT_EQ(window_manager_close_window_force(window_manager(), c), RET_OK);
+  EXPECT_EQ(take_events(), "B:to_foreground wm:to_foreground:B C:close wm:close:C");
+  EXPECT_EQ(window_manager_get_top_window(window_manager()), b);
+  // Removed at once, destroyed in the next idle pass.
   tk_testing_advance(0);
-  EXPECT_EQ(joined(), "B:destroy wm:top_changed");
+  EXPECT_EQ(take_events(), "C:destroy wm:top_changed");
+  EXPECT_EQ(window_close(b), RET_OK);
+  EXPECT_EQ(take_events(), "B:close wm:close:B A:to_foreground wm:to_foreground:A");
+  tk_testing_advance(0);
   EXPECT_EQ(stack_names(), (Names{"A"}));
 }
 
-TEST_F(WindowStack, ForceCloseBringsTheWindowBelowForwardFirst) {
-  write_window("A");
-  write_window("B");
-  widget_t* a = open("A");
-  widget_t* b = open("B");
-  watch_window_events(a);
-  watch_window_events(b);
-  EXPECT_EQ(window_manager_close_window_force(window_manager(), b), RET_OK);
-  EXPECT_EQ(joined(), "A:to_foreground B:close");
-}
-
-TEST_F(WindowStack, ClosingAWindowThatHasNotOpenedYetWaitsForItsOpenSequence) {
-  write_window("A");
+TEST_F(WindowStack, ClosingBeforeTheOpenSequenceWaitsForItAndOpenAndCloseClosesOnOpen) {
+  write_windows({"A", "B"});
   widget_t* a = window_open("A");
   watch_window_events(a);
   EXPECT_EQ(window_close(a), RET_OK);
   EXPECT_EQ(stack_names(), (Names{"A"}));
   tk_testing_advance(0);
-  EXPECT_EQ(joined(), "A:will_open A:open A:close");
+  EXPECT_EQ(take_events(), "A:will_open A:open A:close");
   EXPECT_TRUE(stack_names().empty());
-}
 
-TEST_F(WindowStack, OpenAndCloseClosesTheOldWindowWhenTheNewOneOpens) {
-  write_window("A");
-  write_window("B");
-  widget_t* a = open("A");
+  a = open("A");
   watch_window_events(a);
-  widget_t* b = window_open_and_close("B", a);
-  ASSERT_NE(b, nullptr);
+  ASSERT_NE(window_open_and_close("B", a), nullptr);
   EXPECT_EQ(stack_names(), (Names{"A", "B"}));
-  EXPECT_TRUE(events_.empty());
+  EXPECT_EQ(take_events(), "");
   tk_testing_advance(0);
   EXPECT_EQ(stack_names(), (Names{"B"}));
-  EXPECT_EQ(joined(), "A:to_background A:close");
+  EXPECT_EQ(take_events(), "A:to_background A:close");
 }
 
-TEST_F(WindowStack, SingleInstanceForceClosesTheOldWindowAndLoadsAFreshOne) {
+TEST_F(WindowStack, SingleInstanceLoadsAFreshWindowByWindowName) {
   write_window("S", "single_instance=\"true\"", "<label name=\"l\" text=\"x\"/>");
+  write_window("M");
+  write_ui("asset", "<window name=\"other\" single_instance=\"true\"/>");
   widget_t* first = open("S");
   watch_window_events(first);
   widget_set_text_utf8(widget_lookup(first, "l", TRUE), "changed");
   widget_t* second = open("S");
   ASSERT_NE(second, nullptr);
   EXPECT_EQ(events_.front(), "S:close");
-  EXPECT_EQ(stack_names(), (Names{"S"}));
-  char buf[32];
-  widget_get_text_utf8(widget_lookup(second, "l", TRUE), buf, sizeof(buf));
-  EXPECT_STREQ(buf, "x");
-}
-
-TEST_F(WindowStack, WithoutSingleInstanceTheSameNameOpensTwice) {
-  write_window("M");
+  EXPECT_EQ(text(widget_lookup(second, "l", TRUE)), "x");
+  // Without the property, or when the window's name is not its asset name, it opens twice.
   open("M");
   open("M");
-  EXPECT_EQ(stack_names(), (Names{"M", "M"}));
-}
-
-TEST_F(WindowStack, SingleInstanceMatchesTheWindowNameNotTheAssetName) {
-  write_ui("asset", "<window name=\"other\" single_instance=\"true\"/>");
   open("asset");
   open("asset");
-  EXPECT_EQ(stack_names(), (Names{"other", "other"}));
+  EXPECT_EQ(stack_names(), (Names{"S", "M", "M", "other", "other"}));
 }
 
-TEST_F(WindowStack, BackClosesANormalWindowThroughItsCloseRequest) {
-  write_window("A");
-  write_window("B");
-  open("A");
-  widget_t* b = open("B");
-  // closable="yes" (default): the window closes itself and page handlers never see it.
-  watch(b, {EVT_REQUEST_CLOSE_WINDOW});
-  EXPECT_EQ(window_manager_back(window_manager()), RET_STOP);
-  EXPECT_TRUE(events_.empty());
-  EXPECT_EQ(stack_names(), (Names{"A"}));
-}
-
-TEST_F(WindowStack, ClosableNoRefusesAndConfirmLetsThePageDecide) {
-  write_window("A");
+TEST_F(WindowStack, BackSendsTheCloseRequestThatClosableDecides) {
+  write_windows({"A", "B"});
   write_window("N", "closable=\"no\"");
   write_window("C", "closable=\"confirm\"");
   open("A");
   open("N");
   EXPECT_EQ(window_manager_back(window_manager()), RET_STOP);
   EXPECT_EQ(stack_names(), (Names{"A", "N"}));
-
   widget_t* c = open("C");
   widget_on(
       c, EVT_REQUEST_CLOSE_WINDOW,
@@ -167,121 +110,90 @@ TEST_F(WindowStack, ClosableNoRefusesAndConfirmLetsThePageDecide) {
       },
       nullptr);
   EXPECT_EQ(window_manager_back(window_manager()), RET_OK);
-  EXPECT_EQ(events_, (Names{"confirm"}));
+  EXPECT_EQ(take_events(), "confirm");
+  // closable="yes" (the default): the window closes itself, page handlers never see it.
+  widget_t* b = open("B");
+  watch(b, {EVT_REQUEST_CLOSE_WINDOW});
+  EXPECT_EQ(window_manager_back(window_manager()), RET_STOP);
+  EXPECT_EQ(take_events(), "");
   EXPECT_EQ(stack_names(), (Names{"A", "N"}));
 }
 
 TEST_F(WindowStack, BackToClosesEverythingAboveTheTargetInAnIdle) {
-  for (const char* n : {"A", "B", "C", "D"})
-    write_window(n);
+  write_windows({"A", "B", "C", "D", "E"});
+  write_dialog("G");
   open("A");
   widget_t* b = open("B");
   widget_t* c = open("C");
   widget_t* d = open("D");
-  watch_window_events(b);
-  watch_window_events(c);
-  watch_window_events(d);
+  for (widget_t* w : {b, c, d})
+    watch_window_events(w);
   EXPECT_EQ(window_manager_back_to(window_manager(), "B"), RET_OK);
   EXPECT_EQ(stack_names(), (Names{"A", "B", "C", "D"}));
   tk_testing_advance(0);
   EXPECT_EQ(stack_names(), (Names{"A", "B"}));
   // The topmost closes normally (C comes forward), the rest by force (B comes forward first).
-  EXPECT_EQ(joined(), "D:close C:to_foreground B:to_foreground C:close");
-}
-
-TEST_F(WindowStack, BackToRejectsUnknownNamesAndNonNormalTargets) {
-  write_window("A");
-  write_ui("D", "<dialog name=\"D\" w=\"200\" h=\"100\"/>");
-  write_window("B");
-  open("A");
-  open("D");
-  open("B");
+  EXPECT_EQ(take_events(), "D:close C:to_foreground B:to_foreground C:close");
+  // Unknown names and targets that are not normal windows close nothing.
+  open("G");
+  open("E");
   EXPECT_EQ(window_manager_back_to(window_manager(), "nothing"), RET_BAD_PARAMS);
-  window_manager_back_to(window_manager(), "D");
+  window_manager_back_to(window_manager(), "G");
   tk_testing_advance(0);
-  EXPECT_EQ(stack_names(), (Names{"A", "D", "B"}));
-}
-
-TEST_F(WindowStack, BackToHomeKeepsOnlyTheLowestNormalWindow) {
-  for (const char* n : {"A", "B", "C"})
-    write_window(n);
-  open("A");
-  open("B");
-  open("C");
+  EXPECT_EQ(stack_names(), (Names{"A", "B", "G", "E"}));
   EXPECT_EQ(window_manager_back_to_home(window_manager()), RET_OK);
   tk_testing_advance(0);
   EXPECT_EQ(stack_names(), (Names{"A"}));
 }
 
-TEST_F(WindowStack, SwitchToMovesTheTargetUpAndClosesTheCurrentWindow) {
-  write_window("A");
-  write_window("B");
+TEST_F(WindowStack, SwitchToMovesTheTargetUpAndMayCloseTheCurrentWindow) {
+  write_windows({"A", "B"});
+  write_dialog("D");
   widget_t* a = open("A");
   widget_t* b = open("B");
   watch_window_events(a);
   watch_window_events(b);
   EXPECT_EQ(window_manager_switch_to(window_manager(), b, a, FALSE), RET_OK);
   EXPECT_EQ(stack_names(), (Names{"B", "A"}));
-  EXPECT_EQ(joined(), "B:to_background A:to_foreground");
-  events_.clear();
+  EXPECT_EQ(take_events(), "B:to_background A:to_foreground");
   EXPECT_EQ(window_manager_switch_to(window_manager(), a, b, TRUE), RET_OK);
   EXPECT_EQ(stack_names(), (Names{"B"}));
-  EXPECT_EQ(joined(), "A:to_background B:to_foreground A:close");
-  // Nothing to do for the same window or none.
+  EXPECT_EQ(take_events(), "A:to_background B:to_foreground A:close");
+  // Nothing to do for the same window or none; refused under a dialog that has not quit.
   EXPECT_EQ(window_manager_switch_to(window_manager(), b, b, TRUE), RET_OK);
   EXPECT_EQ(window_manager_switch_to(window_manager(), b, nullptr, TRUE), RET_OK);
-  EXPECT_EQ(stack_names(), (Names{"B"}));
-}
-
-TEST_F(WindowStack, SwitchToFailsWhileADialogThatHasNotQuitIsAbove) {
-  write_window("A");
-  write_ui("D", "<dialog name=\"D\" w=\"200\" h=\"100\"/>");
-  widget_t* a = open("A");
+  a = open("A");
   widget_t* d = open("D");
-  EXPECT_EQ(window_manager_switch_to(window_manager(), d, a, FALSE), RET_FAIL);
-  EXPECT_EQ(stack_names(), (Names{"A", "D"}));
-}
-
-TEST_F(WindowStack, TopWindowSkipsQuitDialogsAndTopMainWindowSkipsDialogs) {
-  write_window("A");
-  write_ui("D", "<dialog name=\"D\" w=\"200\" h=\"100\"/>");
-  widget_t* a = open("A");
-  widget_t* d = open("D");
+  EXPECT_EQ(window_manager_switch_to(window_manager(), d, b, FALSE), RET_FAIL);
+  EXPECT_EQ(stack_names(), (Names{"B", "A", "D"}));
   EXPECT_EQ(window_manager_get_top_window(window_manager()), d);
   EXPECT_EQ(window_manager_get_top_main_window(window_manager()), a);
-  EXPECT_TRUE(widget_is_dialog(d));
-  EXPECT_FALSE(widget_is_dialog(a));
-  EXPECT_TRUE(widget_is_window(d));
-  // A non-modal dialog closes when it quits.
+  // A non-modal dialog closes when it quits; it can quit once.
+  EXPECT_TRUE(widget_is_dialog(d) && widget_is_window(d) && !widget_is_dialog(a));
   EXPECT_EQ(dialog_quit(d, DIALOG_QUIT_OK), RET_OK);
   EXPECT_EQ(window_manager_get_top_window(window_manager()), a);
   EXPECT_EQ(dialog_quit(d, DIALOG_QUIT_OK), RET_FAIL);
 }
 
-namespace {
-ret_t quit_ok_on_key(void* ctx, event_t* e) {
-  dialog_quit(static_cast<widget_t*>(ctx), DIALOG_QUIT_OK);
-  return RET_OK;
-}
-}  // namespace
-
-TEST_F(WindowStack, ModalDialogRunsANestedLoopUntilItQuitsAndClosesLater) {
+TEST_F(WindowStack, ModalDialogTakesKeysInANestedLoopAndReturnsItsCode) {
   write_window("A");
   write_ui("D", "<dialog name=\"D\" x=\"100\" y=\"100\" w=\"400\" h=\"200\"/>");
   open("A");
   widget_t* d = window_open("D");
-  widget_on(d, EVT_KEY_DOWN, quit_ok_on_key, d);
-  // A key posted once the dialog has opened is handled inside the nested loop, by the dialog
-  // (the key target).
+  widget_on(
+      d, EVT_KEY_DOWN,
+      [](void* ctx, event_t*) { return dialog_quit(static_cast<widget_t*>(ctx), DIALOG_QUIT_OK); },
+      d);
+  // A key posted once the dialog has opened is handled inside the nested loop by the dialog.
   widget_on(
       d, EVT_WINDOW_OPEN,
       [](void*, event_t*) {
         main_loop_post_key_event(main_loop(), TRUE, 'a');
-        main_loop_post_key_event(main_loop(), FALSE, 'a');
-        return RET_OK;
+        return main_loop_post_key_event(main_loop(), FALSE, 'a');
       },
       nullptr);
   EXPECT_EQ(dialog_modal(d), DIALOG_QUIT_OK);
+  // Quit, it no longer counts as the top window; it closes in a later idle.
   EXPECT_EQ(stack_names(), (Names{"A", "D"}));
   EXPECT_EQ(window_manager_get_top_window(window_manager()),
             window_manager_get_top_main_window(window_manager()));
@@ -289,62 +201,42 @@ TEST_F(WindowStack, ModalDialogRunsANestedLoopUntilItQuitsAndClosesLater) {
   EXPECT_EQ(stack_names(), (Names{"A"}));
 }
 
-TEST_F(WindowStack, TimersKeepRunningInAModalDialogAndBackQuitsItWithNone) {
-  write_window("A");
-  write_ui("D", "<dialog name=\"D\" w=\"400\" h=\"200\"/>");
-  open("A");
-  widget_t* d = window_open("D");
-  uint64_t before = tk_testing_now();
-  widget_add_timer(
-      d,
-      [](const timer_info_t*) {
-        window_manager_back(window_manager());
-        return RET_REMOVE;
-      },
-      250);
-  EXPECT_EQ(dialog_modal(d), DIALOG_QUIT_NONE);
-  EXPECT_EQ(tk_testing_now() - before, 250u);
-  tk_testing_advance(0);
-  EXPECT_EQ(stack_names(), (Names{"A"}));
-}
-
-TEST_F(WindowStack, BackToWithAModalDialogOnTopQuitsItFirst) {
-  write_window("A");
-  write_window("B");
-  write_ui("D", "<dialog name=\"D\" w=\"400\" h=\"200\"/>");
+TEST_F(WindowStack, TimersRunInAModalDialogAndBackOrBackToQuitItWithNone) {
+  write_windows({"A", "B"});
+  write_dialog("D");
   open("A");
   open("B");
   widget_t* d = window_open("D");
+  uint64_t before = tk_testing_now();
   widget_add_timer(
-      d,
-      [](const timer_info_t*) {
-        window_manager_back_to(window_manager(), "A");
-        return RET_REMOVE;
-      },
-      10);
+      d, [](const timer_info_t*) { return window_manager_back(window_manager()); }, 250);
+  EXPECT_EQ(dialog_modal(d), DIALOG_QUIT_NONE);
+  EXPECT_EQ(tk_testing_now() - before, 250u);
+  tk_testing_advance(0);
+  EXPECT_EQ(stack_names(), (Names{"A", "B"}));
+  // back_to with a modal dialog on top quits it, and closes the rest once it is destroyed.
+  d = window_open("D");
+  widget_add_timer(
+      d, [](const timer_info_t*) { return window_manager_back_to(window_manager(), "A"); }, 10);
   EXPECT_EQ(dialog_modal(d), DIALOG_QUIT_NONE);
   tk_testing_advance(0);
   tk_testing_advance(0);
   EXPECT_EQ(stack_names(), (Names{"A"}));
 }
 
-TEST_F(WindowStack, AMissingLayoutNamesTheFileAndReturnsNull) {
+TEST_F(WindowStack, BadLayoutsAreNamedAndOpenNothing) {
   EXPECT_EQ(window_open("Nowhere"), nullptr);
   EXPECT_TRUE(tk_testing_log_contains("!!!Asset [name=Nowhere type=ui] not exist!!!"));
   EXPECT_TRUE(tk_testing_log_contains("ui/Nowhere.xml"));
-  EXPECT_TRUE(stack_names().empty());
-}
-
-TEST_F(WindowStack, AMalformedLayoutIsReportedWithItsLineAndOpensNothing) {
   write_ui("Bad", "<window name=\"Bad\">\n<label name=\"x\"\n</window>");
   EXPECT_EQ(window_open("Bad"), nullptr);
-  EXPECT_TRUE(tk_testing_log_contains("Bad.xml is malformed"));
-  EXPECT_TRUE(tk_testing_log_contains("line"));
-  EXPECT_TRUE(stack_names().empty());
+  EXPECT_TRUE(tk_testing_log_contains("Bad.xml is malformed: "));
+  EXPECT_TRUE(tk_testing_log_contains(" at line 3"));
   write_ui("NotAWindow", "<view name=\"v\"/>");
   EXPECT_EQ(window_open("NotAWindow"), nullptr);
-  EXPECT_TRUE(tk_testing_log_contains("not a window kind"));
+  EXPECT_TRUE(tk_testing_log_contains("the root element <view> is not a window kind"));
   EXPECT_EQ(tk_testing_open_xml("Empty", ""), nullptr);
+  EXPECT_TRUE(stack_names().empty());
 }
 
 TEST_F(WindowStack, UnknownAttributesAndElementsLoadWithAClearLine) {
@@ -352,30 +244,25 @@ TEST_F(WindowStack, UnknownAttributesAndElementsLoadWithAClearLine) {
                "<label name=\"l\" colour=\"red\"/><fancy_widget name=\"f\" w=\"10\" h=\"10\"/>");
   widget_t* u = open("U");
   ASSERT_NE(u, nullptr);
-  widget_t* l = widget_lookup(u, "l", TRUE);
-  EXPECT_STREQ(widget_get_prop_str(l, "colour", nullptr), "red");
-  EXPECT_TRUE(tk_testing_log_contains("unknown attribute \"colour\""));
+  EXPECT_STREQ(widget_get_prop_str(widget_lookup(u, "l", TRUE), "colour", nullptr), "red");
+  EXPECT_TRUE(tk_testing_log_contains("<label name=\"l\">: unknown attribute \"colour\""));
   // The window's own custom properties are known and read as values.
   EXPECT_FALSE(widget_get_prop_bool(u, "to_modal", TRUE));
   EXPECT_FALSE(tk_testing_log_contains("unknown attribute \"to_modal\""));
-  widget_t* f = widget_lookup(u, "f", TRUE);
-  ASSERT_NE(f, nullptr);
-  EXPECT_STREQ(widget_get_type(f), "view");
+  EXPECT_STREQ(widget_get_type(widget_lookup(u, "f", TRUE)), "view");
   EXPECT_TRUE(tk_testing_log_contains("not supported type fancy_widget"));
 }
 
-namespace {
-ret_t open_b_on_key(void*, event_t* e) {
-  if (key_event_cast(e)->key == 'o') window_open("B");
-  return RET_OK;
-}
-}  // namespace
-
-TEST_F(WindowStack, TheKeyUpOfAKeyPressedBeforeTheTopWindowChangedIsSwallowed) {
-  write_window("A");
-  write_window("B");
+TEST_F(WindowStack, TheKeyUpOfAKeyThatOpenedAWindowIsSwallowedUnlessQueuedWithIt) {
+  write_windows({"A", "B"});
   widget_t* a = open("A");
-  widget_on(a, EVT_KEY_DOWN, open_b_on_key, nullptr);
+  widget_on(
+      a, EVT_KEY_DOWN,
+      [](void*, event_t* e) {
+        if (key_event_cast(e)->key == 'o') window_open("B");
+        return RET_OK;
+      },
+      nullptr);
   watch(a, {EVT_KEY_UP});
   watch(window_manager(), {EVT_KEY_UP});
   tk_testing_key_press('o');
@@ -383,47 +270,18 @@ TEST_F(WindowStack, TheKeyUpOfAKeyPressedBeforeTheTopWindowChangedIsSwallowed) {
   ASSERT_STREQ(b->name, "B");
   watch(b, {EVT_KEY_UP});
   tk_testing_key_release('o');
-  EXPECT_TRUE(events_.empty()) << joined();
+  EXPECT_EQ(take_events(), "");
   // A later key goes to B, the new key target.
   tk_testing_key_hit('x');
-  EXPECT_EQ(joined(), "B:key_up:120 wm:key_up:120");
-}
-
-TEST_F(WindowStack, APressAndReleaseQueuedTogetherBothReachTheOldWindow) {
-  write_window("A");
-  write_window("B");
-  widget_t* a = open("A");
-  widget_on(a, EVT_KEY_DOWN, open_b_on_key, nullptr);
-  watch(a, {EVT_KEY_UP});
+  EXPECT_EQ(take_events(), "B:key_up:120 wm:key_up:120");
+  // Press and release handled in one step both reach the window that was on top.
+  window_close(b);
+  tk_testing_advance(0);
   main_loop_post_key_event(main_loop(), TRUE, 'o');
   main_loop_post_key_event(main_loop(), FALSE, 'o');
   tk_testing_advance(0);
-  EXPECT_EQ(joined(), "A:key_up:111");
+  EXPECT_EQ(take_events(), "A:key_up:111 wm:key_up:111");
   EXPECT_EQ(stack_names(), (Names{"A", "B"}));
-}
-
-TEST_F(WindowStack, ADestroyedWindowsTimersStopAndItsWindowManagerHandlersEnd) {
-  write_window("A");
-  write_window("B", "", "<label name=\"l\"/>");
-  open("A");
-  widget_t* b = open("B");
-  static int fired = 0;
-  fired = 0;
-  uint32_t id = widget_add_timer(
-      widget_lookup(b, "l", TRUE),
-      [](const timer_info_t*) {
-        fired++;
-        return RET_REPEAT;
-      },
-      100);
-  widget_on(window_manager(), EVT_USER_START + 1, record, b);
-  window_close(b);
-  tk_testing_advance(1000);
-  EXPECT_EQ(fired, 0);
-  EXPECT_EQ(timer_remove(id), RET_NOT_FOUND);
-  event_t e = event_init(EVT_USER_START + 1, nullptr);
-  widget_dispatch(window_manager(), &e);
-  EXPECT_TRUE(events_.empty());
 }
 
 // A page's key handler runs a modal dialog (as the navigator does) and, while it runs, the
@@ -437,8 +295,7 @@ ret_t close_page_then_quit(const timer_info_t* t) {
     window_close(s_page);
     s_page = nullptr;
   } else if (++s_ticks == 4) {
-    dialog_quit(static_cast<widget_t*>(t->ctx), DIALOG_QUIT_OK);
-    return RET_REMOVE;
+    return dialog_quit(static_cast<widget_t*>(t->ctx), DIALOG_QUIT_OK), RET_REMOVE;
   }
   return RET_REPEAT;
 }
@@ -450,9 +307,9 @@ dialog_quit_code_t run_dialog() {
 }  // namespace
 
 TEST_F(WindowStack, AWindowClosedDuringAModalDialogOfItsOwnHandlerOutlivesTheHandler) {
-  write_window("A");
+  write_windows({"A"});
   write_window("P", "", "<label name=\"l\"/>");
-  write_ui("D", "<dialog name=\"D\" w=\"200\" h=\"100\"/>");
+  write_dialog("D");
   open("A");
   s_page = open("P");
   s_ticks = 0;
@@ -465,14 +322,13 @@ TEST_F(WindowStack, AWindowClosedDuringAModalDialogOfItsOwnHandlerOutlivesTheHan
       nullptr);
   tk_testing_key_hit('a');
   tk_testing_advance(0);
-  EXPECT_EQ(joined(), "quit ok");
+  EXPECT_EQ(take_events(), "quit ok");
   EXPECT_EQ(stack_names(), (Names{"A"}));
 
   // The same from a widget timer: the timer is not entered again by the nested loop, and its
   // record stays readable until its callback returns.
   s_page = open("P");
   s_ticks = 0;
-  events_.clear();
   widget_add_timer(
       widget_lookup(s_page, "l", TRUE),
       [](const timer_info_t* t) {
@@ -482,6 +338,6 @@ TEST_F(WindowStack, AWindowClosedDuringAModalDialogOfItsOwnHandlerOutlivesTheHan
       },
       50);
   tk_testing_advance(1000);
-  EXPECT_EQ(joined(), "timer l");
+  EXPECT_EQ(take_events(), "timer l");
   EXPECT_EQ(stack_names(), (Names{"A"}));
 }
