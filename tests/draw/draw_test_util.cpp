@@ -22,12 +22,8 @@ std::string scratch_dir() {
 
 tk::draw::Pixmap quadrants() {
   tk::draw::Pixmap p(4, 4);
-  for (int y = 0; y < 4; ++y) {
-    for (int x = 0; x < 4; ++x) {
-      uint32_t c = y < 2 ? (x < 2 ? kRed : kGreen) : (x < 2 ? kBlue : kWhite);
-      p.px[static_cast<size_t>(y) * 4 + x] = c;
-    }
-  }
+  p.px = {kRed,  kRed,  kGreen, kGreen, kRed,  kRed,  kGreen, kGreen,
+          kBlue, kBlue, kWhite, kWhite, kBlue, kBlue, kWhite, kWhite};
   return p;
 }
 
@@ -52,14 +48,12 @@ widget_t* open_draw_layout() {
   widget_t* win = tk_testing_open_xml("tk_draw_layout", xml.c_str());
   EXPECT_NE(win, nullptr);
   if (win == nullptr) return nullptr;
-  struct {
-    const char* name;
-    uint32_t word;
-  } words[] = {
-      {"red", kRed}, {"green", kGreen}, {"blue", kBlue}, {"black", kBlack}, {"white", kWhite}};
-  for (auto& w : words) {
-    EXPECT_EQ(widget_set_style_color(widget_lookup(win, w.name, TRUE), "normal:bg_color", w.word),
-              RET_OK);
+  const char* names[] = {"red", "green", "blue", "black", "white"};
+  const uint32_t words[] = {kRed, kGreen, kBlue, kBlack, kWhite};
+  for (int i = 0; i < 5; i++) {
+    EXPECT_EQ(
+        widget_set_style_color(widget_lookup(win, names[i], TRUE), "normal:bg_color", words[i]),
+        RET_OK);
   }
   std::string pic = "file://" + write_fixture(quadrants(), "quadrants.png");
   image_set_image(widget_lookup(win, "picture", TRUE), pic.c_str());

@@ -62,46 +62,37 @@ class DrawSdlKeys : public ::testing::Test {
 
 }  // namespace
 
-TEST_F(DrawSdlKeys, PrintableKeysArriveAsTheirAsciiCodes) {
+TEST_F(DrawSdlKeys, PrintableKeysArriveAsAsciiNamedKeysAsDesktopCodesAndRepeatIsNoPress) {
   for (SDL_Keycode sym : {SDLK_a, SDLK_9, SDLK_7, SDLK_8, SDLK_1}) {
     push_key(SDL_KEYDOWN, sym);
     push_key(SDL_KEYUP, sym);
     deliver();
   }
-  EXPECT_EQ(s_down, (std::vector<uint32_t>{97, 57, 55, 56, 49}));
-  EXPECT_EQ(s_up, (std::vector<uint32_t>{97, 57, 55, 56, 49}));
-}
-
-TEST_F(DrawSdlKeys, NamedKeysKeepTheDesktopCodesAndRepeatIsNoNewPress) {
   push_key(SDL_KEYDOWN, SDLK_RIGHT);
   push_key(SDL_KEYDOWN, SDLK_RIGHT, 1);
   push_key(SDL_KEYDOWN, SDLK_RIGHT, 1);
   push_key(SDL_KEYUP, SDLK_RIGHT);
   deliver();
-  EXPECT_EQ(s_down, (std::vector<uint32_t>{TK_KEY_RIGHT}));
-  EXPECT_EQ(s_up, (std::vector<uint32_t>{TK_KEY_RIGHT}));
+  std::vector<uint32_t> codes{97, 57, 55, 56, 49, TK_KEY_RIGHT};
+  EXPECT_EQ(s_down, codes);
+  EXPECT_EQ(s_up, codes);
 }
 
-TEST_F(DrawSdlKeys, ClosingTheWindowQuitsTheMainLoop) {
-  SDL_Event ev{};
-  ev.type = SDL_QUIT;
-  ASSERT_EQ(SDL_PushEvent(&ev), 1);
-  backend_->wait_input(0);
-  // tk_quit stops tk_run after the current step: tk_run returns at once instead of running on.
-  EXPECT_EQ(tk_run(), RET_OK);
-}
-
-TEST_F(DrawSdlKeys, PaintsAndPresentsTheFrame) {
+TEST_F(DrawSdlKeys, PaintsPresentsWakesAndQuitsWhenTheWindowCloses) {
   widget_set_style_color(win_, "normal:bg_color", 0xFF0011FF);
   tk_testing_advance(0);
   EXPECT_EQ(tk_testing_pixel(640, 512), 0xFF0011FFu);
   backend_->paint();
   EXPECT_TRUE(tk::draw::screen().unpresented.empty());
-}
-
-TEST_F(DrawSdlKeys, WakeEndsAWaitAtOnce) {
+  // wake() ends a wait at once.
   backend_->wake();
   Uint64 start = SDL_GetTicks64();
   backend_->wait_input(5000);
   EXPECT_LT(SDL_GetTicks64() - start, 1000u);
+  // Closing the window asks tk_run to stop after the current step.
+  SDL_Event ev{};
+  ev.type = SDL_QUIT;
+  ASSERT_EQ(SDL_PushEvent(&ev), 1);
+  backend_->wait_input(0);
+  EXPECT_EQ(tk_run(), RET_OK);
 }
