@@ -1,15 +1,18 @@
-// The window backend's keys: desktop key presses become the toolkit's key codes through the
-// main loop (printable keys as ASCII), auto-repeat is not a new press, closing the window
-// quits. SDL's "dummy" video driver stands in for a display.
+// The backends: desktop key presses in the window become the toolkit's key codes through the
+// main loop (printable keys as ASCII), auto-repeat is not a new press, closing the window quits
+// (SDL's "dummy" video driver stands in for a display); both wake at once for other threads.
 #include <gtest/gtest.h>
 
 #include <SDL.h>
 
+#include <chrono>
 #include <cstdlib>
+#include <thread>
 #include <vector>
 
 #include "draw/backends.h"
 #include "draw/screen.h"
+#include "tk_core.h"
 #include "tk_testing.h"
 
 namespace {
@@ -95,4 +98,17 @@ TEST_F(DrawSdlKeys, PaintsPresentsWakesAndQuitsWhenTheWindowCloses) {
   ASSERT_EQ(SDL_PushEvent(&ev), 1);
   backend_->wait_input(0);
   EXPECT_EQ(tk_run(), RET_OK);
+}
+
+// The main loop's backend (headless in tests) wakes as soon as another thread posts.
+TEST(DrawBackend, APostFromAnotherThreadEndsTheWaitAtOnce) {
+  tk_testing_init();
+  std::thread poster([] {
+    std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    idle_queue([](const idle_info_t*) { return RET_REMOVE; }, nullptr);
+  });
+  auto start = std::chrono::steady_clock::now();
+  tk::g().backend->wait_input(5000);
+  poster.join();
+  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(1));
 }
