@@ -268,49 +268,39 @@ void idle_call(std::function<void()> f) {
   gl.idles.emplace(id, std::move(i));
 }
 
-ret_t timer_erase(uint32_t id) {
-  Global& gl = g();
-  auto it = gl.timers.find(id);
-  if (it == gl.timers.end()) return RET_NOT_FOUND;
+namespace {
+// Erases the timer or idle `id` of `map`, or only marks it while its callback runs.
+template <typename Map>
+ret_t erase_entry(Map& map, uint32_t id, std::vector<uint32_t> widget_host_t::*owner_list) {
+  auto it = map.find(id);
+  if (it == map.end()) return RET_NOT_FOUND;
   bool was_removed = it->second->removed;
   if (it->second->running) {
     it->second->removed = true;
   } else {
-    disown(it->second->owner, &widget_host_t::timers, id);
-    gl.timers.erase(it);
+    disown(it->second->owner, owner_list, id);
+    map.erase(it);
   }
   return was_removed ? RET_NOT_FOUND : RET_OK;
+}
+}  // namespace
+
+ret_t timer_erase(uint32_t id) {
+  return erase_entry(g().timers, id, &widget_host_t::timers);
 }
 
 ret_t idle_erase(uint32_t id) {
-  Global& gl = g();
-  auto it = gl.idles.find(id);
-  if (it == gl.idles.end()) return RET_NOT_FOUND;
-  bool was_removed = it->second->removed;
-  if (it->second->running) {
-    it->second->removed = true;
-  } else {
-    disown(it->second->owner, &widget_host_t::idles, id);
-    gl.idles.erase(it);
-  }
-  return was_removed ? RET_NOT_FOUND : RET_OK;
+  return erase_entry(g().idles, id, &widget_host_t::idles);
 }
 
 void remove_owned(widget_t* w) {
-  Global& gl = g();
   std::vector<uint32_t> timers, idles;
   timers.swap(w->host->timers);
   idles.swap(w->host->idles);
-  for (uint32_t id : timers) {
-    auto it = gl.timers.find(id);
-    if (it != gl.timers.end()) it->second->owner = nullptr;
+  for (uint32_t id : timers)
     timer_erase(id);
-  }
-  for (uint32_t id : idles) {
-    auto it = gl.idles.find(id);
-    if (it != gl.idles.end()) it->second->owner = nullptr;
+  for (uint32_t id : idles)
     idle_erase(id);
-  }
 }
 
 bool has_immediate_work() {

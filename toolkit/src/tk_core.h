@@ -109,7 +109,8 @@ enum class WinStage { NONE, LOADED, OPENED, CLOSED, DESTROYED };
 
 // A self_layout "default(x=..,y=..,w=..,h=..)" parsed per axis.
 struct LayoutAxis {
-  enum Mode { UNDEF, PIXEL, PERCENT, CENTER, RIGHT, MIDDLE, BOTTOM, MINUS } mode = UNDEF;
+  // CENTER is x="c..." or y="m..."; END is x="r..." or y="b..."; MINUS is w or h "-N".
+  enum Mode { UNDEF, PIXEL, PERCENT, CENTER, END, MINUS } mode = UNDEF;
   double v = 0;  // pixels or percent
   bool offset_percent = false;
 };

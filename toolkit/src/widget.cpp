@@ -593,35 +593,16 @@ void parse_offset(const std::string& s, LayoutAxis* a) {
   a->v = a->offset_percent ? tk_atof(off.c_str()) : tk_atoi(off.c_str());
 }
 
-LayoutAxis parse_x(const std::string& s) {
+// A position: `centre` ('c' for x, 'm' for y) or `end` ('r', 'b') with an optional offset
+// (only the first letter counts, so x="m" is 0), N% or N pixels. A y containing an 'n' (as in
+// "center") is undefined.
+LayoutAxis parse_pos(const std::string& s, char centre, char end) {
   LayoutAxis a;
   if (s.empty()) return a;
-  if (s[0] == 'c') {
-    a.mode = LayoutAxis::CENTER;
+  if (s[0] == centre || s[0] == end) {
+    a.mode = s[0] == centre ? LayoutAxis::CENTER : LayoutAxis::END;
     parse_offset(s, &a);
-  } else if (s[0] == 'r') {
-    a.mode = LayoutAxis::RIGHT;
-    parse_offset(s, &a);
-  } else if (s.back() == '%') {
-    a.mode = LayoutAxis::PERCENT;
-    a.v = tk_atof(s.c_str());
-  } else {
-    a.mode = LayoutAxis::PIXEL;
-    a.v = tk_atoi(s.c_str());
-  }
-  return a;
-}
-
-LayoutAxis parse_y(const std::string& s) {
-  LayoutAxis a;
-  if (s.empty()) return a;
-  if (s[0] == 'm') {
-    a.mode = LayoutAxis::MIDDLE;
-    parse_offset(s, &a);
-  } else if (s[0] == 'b') {
-    a.mode = LayoutAxis::BOTTOM;
-    parse_offset(s, &a);
-  } else if (s.find('n') != std::string::npos) {
+  } else if (end == 'b' && s.find('n') != std::string::npos) {
     a.mode = LayoutAxis::UNDEF;
   } else if (s.back() == '%') {
     a.mode = LayoutAxis::PERCENT;
@@ -728,11 +709,9 @@ int32_t axis_pos(const LayoutAxis& a, int32_t parent, int32_t size, int32_t curr
     case LayoutAxis::PIXEL: return whole<int32_t>(a.v);
     case LayoutAxis::PERCENT: return whole<int32_t>(parent * a.v / 100.0);
     case LayoutAxis::CENTER:
-    case LayoutAxis::MIDDLE:
       return whole<int32_t>(std::trunc((parent - static_cast<double>(size)) / 2) +
                             axis_offset(a, parent));
-    case LayoutAxis::RIGHT:
-    case LayoutAxis::BOTTOM:
+    case LayoutAxis::END:
       return whole<int32_t>(parent - static_cast<double>(size) - axis_offset(a, parent));
     default: return current;
   }
@@ -746,9 +725,9 @@ bool parse_self_layout(const std::string& text, SelfLayout* out) {
   sl.text = text;
   for (auto& [k, v] : params) {
     if (k == "x")
-      sl.x = parse_x(v);
+      sl.x = parse_pos(v, 'c', 'r');
     else if (k == "y")
-      sl.y = parse_y(v);
+      sl.y = parse_pos(v, 'm', 'b');
     else if (k == "w")
       sl.w = parse_wh(v);
     else if (k == "h")

@@ -366,6 +366,31 @@ ret_t close_window(widget_t* window, bool force) {
   return RET_OK;
 }
 
+// The window that contains `widget`, closed (from another thread: the request is queued and
+// the window found when it runs).
+ret_t close_window_of(widget_t* widget, bool force) {
+  widget_t* win = on_ui_thread() ? window_of(widget) : widget;
+  if (win == nullptr) {
+    log_warn("%s: the widget is in no window\n", force ? "window_close_force" : "window_close");
+    return RET_BAD_PARAMS;
+  }
+  return close_window(win, force);
+}
+
+// The topmost visible window that `accept`s, read under the stack lock (any thread).
+template <typename Accept>
+widget_t* topmost(widget_t* wm, Accept accept) {
+  Global& gl = g();
+  if (wm == nullptr || wm != gl.wm) return nullptr;
+  std::lock_guard<std::recursive_mutex> lock(gl.stack_mutex);
+  darray_t* a = wm->children;
+  for (uint32_t n = a != nullptr ? a->size : 0; n > 0; n--) {
+    auto* w = static_cast<widget_t*>(a->elms[n - 1]);
+    if (w->visible && accept(w)) return w;
+  }
+  return nullptr;
+}
+
 bool dialog_done(void* ctx) {
   widget_t* dlg = static_cast<widget_t*>(ctx);
   return !is_live(dlg) || dlg->host->quit;
@@ -518,29 +543,12 @@ widget_t* window_manager(void) {
 }
 
 widget_t* window_manager_get_top_window(widget_t* widget) {
-  tk::Global& gl = g();
-  if (widget == nullptr || widget != gl.wm) return nullptr;
-  std::lock_guard<std::recursive_mutex> lock(gl.stack_mutex);
-  darray_t* a = widget->children;
-  if (a == nullptr) return nullptr;
-  for (uint32_t n = a->size; n > 0; n--) {
-    widget_t* w = static_cast<widget_t*>(a->elms[n - 1]);
-    if (w->visible && !tk::is_quit_dialog(w)) return w;
-  }
-  return nullptr;
+  return tk::topmost(widget, [](const widget_t* w) { return !tk::is_quit_dialog(w); });
 }
 
 widget_t* window_manager_get_top_main_window(widget_t* widget) {
-  tk::Global& gl = g();
-  if (widget == nullptr || widget != gl.wm) return nullptr;
-  std::lock_guard<std::recursive_mutex> lock(gl.stack_mutex);
-  darray_t* a = widget->children;
-  if (a == nullptr) return nullptr;
-  for (uint32_t n = a->size; n > 0; n--) {
-    widget_t* w = static_cast<widget_t*>(a->elms[n - 1]);
-    if (w->visible && strcmp(w->host->kind->type, "window") == 0) return w;
-  }
-  return nullptr;
+  return tk::topmost(widget,
+                     [](const widget_t* w) { return strcmp(w->host->kind->type, "window") == 0; });
 }
 
 ret_t window_manager_back(widget_t* widget) {
@@ -708,22 +716,12 @@ widget_t* window_open_and_close(const char* name, widget_t* to_close) {
 
 ret_t window_close(widget_t* widget) {
   return_value_if_fail(widget != NULL, RET_BAD_PARAMS);
-  if (!tk::on_ui_thread()) {
-    return tk::queue_window_request(tk::Request::CLOSE, nullptr, widget, nullptr, false);
-  }
-  widget_t* win = tk::window_of(widget);
-  return_value_if_fail(win != NULL, RET_BAD_PARAMS);
-  return window_manager_close_window(g().wm, win);
+  return tk::close_window_of(widget, false);
 }
 
 ret_t window_close_force(widget_t* widget) {
   return_value_if_fail(widget != NULL, RET_BAD_PARAMS);
-  if (!tk::on_ui_thread()) {
-    return tk::queue_window_request(tk::Request::CLOSE_FORCE, nullptr, widget, nullptr, false);
-  }
-  widget_t* win = tk::window_of(widget);
-  return_value_if_fail(win != NULL, RET_BAD_PARAMS);
-  return window_manager_close_window_force(g().wm, win);
+  return tk::close_window_of(widget, true);
 }
 
 dialog_quit_code_t dialog_modal(widget_t* widget) {
