@@ -1,6 +1,6 @@
 // What the painted layout does not show of the software canvas: translucent borders blended
 // once at the corners, radii limited to the shape, transparent picture edges that do not darken
-// when scaled, and text masks blended by coverage and clipped.
+// when scaled.
 #include <gtest/gtest.h>
 
 #include "draw/canvas.h"
@@ -35,7 +35,7 @@ TEST(Canvas, TranslucentBorderCornersBlendOnceAndRadiiAreLimited) {
   EXPECT_EQ(q.at(0, 0), kBlack);
 }
 
-TEST(Canvas, ScaledTransparentEdgesKeepTheirColourAndMasksBlendByCoverage) {
+TEST(Canvas, ScaledTransparentEdgesKeepTheirColour) {
   Pixmap src(2, 1);
   src.px = {kWhite, 0};
   const uint32_t black = make_color(0, 0, 0, 255);
@@ -49,16 +49,4 @@ TEST(Canvas, ScaledTransparentEdgesKeepTheirColourAndMasksBlendByCoverage) {
   }
   EXPECT_EQ(q.at(0, 0), kWhite);
   EXPECT_EQ(q.at(7, 0), black);
-
-  tk::draw::Mask m{3, 1, {255, 0, 128}};
-  Pixmap p(4, 2, kWhite);
-  Canvas c(p);
-  c.draw_mask(m, 1, 1, kBlue);
-  EXPECT_EQ(p.at(1, 1), kBlue);
-  EXPECT_EQ(p.at(2, 1), kWhite);
-  EXPECT_EQ(p.at(3, 1), blend(kWhite, kBlue, 128));
-  c.set_clip({0, 0, 2, 2});
-  c.draw_mask(m, 1, 0, kRed);
-  EXPECT_EQ(p.at(1, 0), kRed);
-  EXPECT_EQ(p.at(3, 0), kWhite);
 }

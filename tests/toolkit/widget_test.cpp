@@ -67,11 +67,7 @@ TEST_F(Widgets, LayoutAttributesBecomePixelsFlagsAndWidgetData) {
         "max=200\n"}) {
     EXPECT_NE(d.find(line), std::string::npos) << line << " in\n" << d;
   }
-  widget_t* fresh = w("fresh");
-  EXPECT_TRUE(fresh->enable && fresh->sensitive);
-  EXPECT_STREQ(fresh->vt->type, "label");
-  EXPECT_EQ(fresh->parent, win_);
-  EXPECT_EQ(win_->children->elms[1], fresh);
+  EXPECT_TRUE(w("fresh")->parent == win_ && win_->children->elms[1] == w("fresh"));
   EXPECT_STREQ(widget_get_prop_str(w("i"), "image", nullptr), "switch_large_on");
   EXPECT_EQ(widget_get_prop_int(w("i"), "draw_type", -1), IMAGE_DRAW_SCALE_AUTO);
 }
