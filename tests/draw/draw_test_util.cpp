@@ -14,8 +14,10 @@ namespace drawtest {
 
 std::string scratch_dir() {
   const char* out = getenv("TK_TEST_OUTPUT_DIR");
-  std::filesystem::path dir =
-      std::filesystem::path(out != nullptr && *out != '\0' ? out : "test-output") / "draw_fixtures";
+  std::filesystem::path base = out != nullptr && *out != '\0'
+                                   ? std::filesystem::path(out)
+                                   : std::filesystem::temp_directory_path() / "tk-test-output";
+  std::filesystem::path dir = base / "draw_fixtures";
   std::filesystem::create_directories(dir);
   return std::filesystem::absolute(dir).string();
 }

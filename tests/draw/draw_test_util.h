@@ -18,7 +18,8 @@ constexpr uint32_t kWhite = 0xFFFFFFFF;
 // The frame where no window paints: the default backdrop.
 constexpr uint32_t kBackdrop = 0xFF000000;
 
-// A directory for files the tests make (under TK_TEST_OUTPUT_DIR), created on demand.
+// A directory for files the tests make (under TK_TEST_OUTPUT_DIR, else the temporary
+// directory, never the checkout), created on demand.
 std::string scratch_dir();
 // A 4 x 4 picture of four 2 x 2 quadrants: red, green / blue, white.
 tk::draw::Pixmap quadrants();
