@@ -27,7 +27,8 @@ void quiet_diagnostics() {
   const int saved = dup(STDOUT_FILENO);
   if (saved < 0) return;
   fflush(stdout);
-  report.open("/dev/fd/" + std::to_string(saved));
+  // Append: reopening through /dev/fd must not truncate a log file standard output went to.
+  report.open("/dev/fd/" + std::to_string(saved), std::ios::out | std::ios::app);
   if (!report.is_open() || freopen("/dev/null", "w", stdout) == nullptr) return;
   std::cout.rdbuf(report.rdbuf());
 }
