@@ -11,6 +11,7 @@ packages=(
   fonts-wqy-microhei                  # the "default" font: Latin, Cyrillic and Chinese
   librsvg2-bin                        # rsvg-convert, turns the SVG artwork into PNG
   clang-format
+  ccache                              # compiler cache, used by the build when present
 )
 
 missing=()
