@@ -2,6 +2,7 @@
 #include "common/menu_rows.h"
 
 #include "msg/msghandler.h"
+#include "widgets/image.h"
 
 void menu_rows_focus(widget_t* win, const menu_rows_t& rows, int row) {
   const int count = static_cast<int>(rows.labels.size());
@@ -24,5 +25,22 @@ void menu_focus_one_of(widget_t* win, std::span<const char* const> names, int in
     const bool focused = static_cast<int>(i) == index;
     widget_set_state(widget_lookup(win, names[i], TRUE),
                      focused ? WIDGET_STATE_FOCUSED : WIDGET_STATE_NORMAL);
+  }
+}
+
+void icon_rows_select(widget_t* win, std::span<const icon_row_t> rows, int index) {
+  if (win == NULL) return;
+  for (size_t i = 0; i < rows.size(); ++i) {
+    const bool selected = static_cast<int>(i) == index;
+    image_set_image(widget_lookup(win, rows[i].widget, TRUE),
+                    selected ? rows[i].image_sel : rows[i].image_def);
+  }
+}
+
+void show_only_one_of(widget_t* win, std::span<const char* const> names, int index) {
+  if (win == NULL) return;
+  for (size_t i = 0; i < names.size(); ++i) {
+    if (names[i] == NULL) continue;
+    widget_set_visible(widget_lookup(win, names[i], TRUE), static_cast<int>(i) == index);
   }
 }

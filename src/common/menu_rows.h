@@ -33,4 +33,24 @@ int menu_rows_step(const menu_rows_t& rows, int key, int row);
 // an index outside the list leaves them all "normal". For value rows such as "1".."5".
 void menu_focus_one_of(widget_t* win, std::span<const char* const> names, int index);
 
+// ---- icon rows ----
+// A menu whose rows are icons: each row's image widget shows its "_def" image, the selected one
+// its "_sel" image. Pages give the rows as a constexpr table:
+//   constexpr icon_row_t MENU2_ROWS[] = {{"image_Zavo_menu_micro", "Zavo_menu_mic_def",
+//                                         "Zavo_menu_mic_sel"}, ...};
+struct icon_row_t {
+  const char* widget;     // the image widget of the row
+  const char* image_def;  // its image when not selected
+  const char* image_sel;  // its image when selected
+};
+
+// Row `index` (0-based) shows its selected image, every other row its not-selected image; an
+// index outside the table selects none.
+void icon_rows_select(widget_t* win, std::span<const icon_row_t> rows, int index);
+
+// Shows the widget at 0-based `index` of `names` and hides the others (a null entry stands for
+// "nothing to show" on that row); an index outside the list hides them all. For the panels,
+// titles and highlights that only the selected row shows.
+void show_only_one_of(widget_t* win, std::span<const char* const> names, int index);
+
 #endif  // SCOPE_COMMON_MENU_ROWS_H
