@@ -12,7 +12,9 @@
 #                     a small card (needs the right to mount: root, or a user namespace)
 #   --language NAME   "DEFAULT LANGUAGE" of language.json (default English)
 #   --no-first-start  no first_language.txt: the device's stored language applies
-# SAMPLE_MEDIA names the sample_media program (default build/dev/tools/sample_media/sample_media).
+# SAMPLE_MEDIA names the sample_media program (default build/dev/tools/sample_media/sample_media);
+# SCOPE_MEDIA its counts and options (default "12 6": two pages of photos; for example
+# SCOPE_MEDIA="2000 1000 --broken" for a full card with the awkward cases).
 set -euo pipefail
 
 top=$(cd "$(dirname "$0")/.." && pwd)
@@ -65,7 +67,8 @@ if [ "$tmpfs" -eq 1 ]; then
 fi
 
 if [ -x "$sample_media" ]; then
-  "$sample_media" "$tree/usrdata/media" 4 2
+  # shellcheck disable=SC2086 # counts and options, split on purpose
+  "$sample_media" "$tree/usrdata/media" ${SCOPE_MEDIA:-12 6}
 else
   echo "device tree: $sample_media not built; no sample media" >&2
   mkdir -p "$tree/usrdata/media/Picture" "$tree/usrdata/media/Video" "$tree/usrdata/media/.thumbnails"
