@@ -11,6 +11,7 @@
 #include "common/navigator.h"
 #include "common/status_records.h"
 #include "msg/msghandler.h"
+#include "pages/Zavo_file_menu.h"
 #include "pages/Zavo_home_page_1_overlay.h"
 #include "pages/page_list.h"
 
@@ -205,6 +206,7 @@ void draw_all(widget_t* win) {
   ballistics_reticle_color(win, NULL);
   ballistics_reticle_type(win, NULL);
   on_range_ui_back(win, NULL);
+  get_file_list_info();  // the media catalogue, for the file browser
   on_laser_reticle_change(win, NULL);
   on_range_reticle_change(win, NULL);
   on_pip_reticle_change(win, NULL);

@@ -33,8 +33,8 @@
   P(Zavo_SHUT_DOWN)             \
   X(Zavo_Init)                  \
   X(Boot_logo)                  \
-  P(Zavo_file_video)            \
-  P(Zavo_file_video_1)          \
+  X(Zavo_file_video)            \
+  X(Zavo_file_video_1)          \
   P(Zavo_compass_menu)          \
   P(Zavo_compass_1)             \
   P(Zavo_pixel_save)            \
@@ -44,8 +44,8 @@
   P(Zavo_reticle_move)          \
   P(Zavo_reticle_zero_child)    \
   P(Zavo_reticle_menu)          \
-  P(Zavo_file_image)            \
-  P(Zavo_file_menu)             \
+  X(Zavo_file_image)            \
+  X(Zavo_file_menu)             \
   P(Zavo_Magnetic_declination)  \
   P(Zavo_vertical_correction)   \
   P(Zavo_level_correction)      \
