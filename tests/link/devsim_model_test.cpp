@@ -138,7 +138,7 @@ TEST(DeviceModel, CalculatorAnswersWithTheSolutionOfTheHeldProfile) {
   r.on(27, BALLISTIC_BULLET_INFO, 5, v);
   EXPECT_EQ(r.sent.size(), 2u);
 
-  // A video's length follows from its name.
+  // A video is answered the same way each time (no card here: it has no frames).
   const std::string name = "VID_0001.mp4";
   std::vector<uint8_t> bytes(name.begin(), name.end());
   bytes.push_back(0);

@@ -23,8 +23,6 @@ constexpr uint64_t BATTERY_PERIOD_MS = 10000;
 constexpr uint64_t COMPASS_PERIOD_MS = 1000;
 constexpr uint64_t WIND_PERIOD_MS = 2000;
 constexpr uint64_t RANGE_PERIOD_MS = 500;
-constexpr uint64_t PLAY_PERIOD_MS = 500;
-constexpr uint16_t VIDEO_RATE = 300;  // frames per ten seconds: 30 frames a second
 
 void put16(std::vector<uint8_t>& v, int x) {
   v.push_back(static_cast<uint8_t>(x & 0xFF));
@@ -454,52 +452,7 @@ void Device::on_ballistic(const Frame& f) {
   if (changed) maybe_solve();
 }
 
-void Device::on_tap(const Frame& f) {
-  const int command = f[3];
-  const int sub = f[4];
-  if (command == 1 && sub == TAP_REWIND_FORWARD && f[1] >= 14) {
-    // Seek: the UI sends the position to jump to.
-    uint64_t frames = 0;
-    for (int i = 7; i >= 0; --i)
-      frames = (frames << 8) | f[6 + i];
-    play_frames_ = frames > play_total_ ? play_total_ : frames;
-    send_(video_position_frame(play_frames_));
-    return;
-  }
-  if (command == TAP_PICTURE_RECORD) {
-    static const char* WHAT[] = {"recording started", "recording stopped", "photo taken"};
-    if (sub <= TAP_TAKE_PICTURE) print_(std::string("device: ") + WHAT[sub]);
-    return;
-  }
-  if (command != TAP_REPLAY) return;
-  std::string name(reinterpret_cast<const char*>(f.data() + 6),
-                   strnlen(reinterpret_cast<const char*>(f.data() + 6), f[1] - 6));
-  // A video's length follows from its name, so the same file always has the same length.
-  unsigned hash = 2166136261u;
-  for (char c : name)
-    hash = (hash ^ static_cast<unsigned char>(c)) * 16777619u;
-  const uint64_t total = (10 + hash % 110) * 30ull;  // 10..119 s at 30 frames a second
-  switch (sub) {
-    case TAP_REPLAY_VEDIO_TOTAL_TIME: send_(video_total_frame(total, VIDEO_RATE)); break;
-    case TAP_REPLAY_START:
-      play_total_ = total;
-      play_frames_ = 0;
-      playing_ = true;
-      next_play_ms_ = now_ms_ + PLAY_PERIOD_MS;
-      send_(video_total_frame(total, VIDEO_RATE));
-      break;
-    case TAP_REPLAY_PAUSE: playing_ = false; break;
-    case TAP_REPLAY_CONTINUE:
-      playing_ = play_total_ > 0;
-      next_play_ms_ = now_ms_ + PLAY_PERIOD_MS;
-      break;
-    case TAP_REPLAY_STOP:
-      playing_ = false;
-      play_total_ = 0;
-      break;
-    default: break;
-  }
-}
+// on_tap and the playback are in device_media.cpp.
 
 void Device::on_frame(const Frame& f) {
   if (framedec::check(f) != framedec::FrameError::OK) return;
@@ -549,15 +502,7 @@ void Device::tick(uint64_t now_ms) {
     next_range_ms_ = now_ms + RANGE_PERIOD_MS;
     send_distance();
   }
-  if (playing_ && now_ms >= next_play_ms_) {
-    next_play_ms_ = now_ms + PLAY_PERIOD_MS;
-    play_frames_ += PLAY_PERIOD_MS * 30 / 1000;
-    if (play_frames_ >= play_total_) {
-      play_frames_ = play_total_;
-      playing_ = false;
-    }
-    send_(video_position_frame(play_frames_));
-  }
+  tick_playback(now_ms);
 }
 
 }  // namespace devsim

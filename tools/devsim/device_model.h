@@ -105,10 +105,29 @@ class Device {
   uint64_t next_range_ms_ = 0;
   int menu_level_ = -1;
 
+  // ---- media: playback, photos and recordings (device_media.cpp) ----
+ public:
+  // The card's media directory (device_path of /usrdata/media/): where photos taken and videos
+  // recorded are written, and videos are played from. Written to only under SCOPE_UI_ROOT.
+  void set_media_dir(std::string dir) { media_dir_ = std::move(dir); }
+  bool playing() const { return playing_; }
+
+ private:
+  void tick_playback(uint64_t now_ms);
+  void take_photo();
+  void finish_recording();
+  std::string new_media_name(const char* dir, const char* extension) const;
   bool playing_ = false;
   uint64_t play_frames_ = 0;
   uint64_t play_total_ = 0;
+  unsigned play_fps_ = 30;
+  uint64_t play_started_ms_ = 0;  // when frame play_from_ was shown
+  uint64_t play_from_ = 0;
   uint64_t next_play_ms_ = 0;
+  std::string media_dir_;
+  bool recording_ = false;
+  uint64_t recording_since_ms_ = 0;
+  int media_written_ = 0;
 };
 
 }  // namespace devsim

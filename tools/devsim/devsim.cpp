@@ -25,6 +25,7 @@
 #include <string>
 #include <vector>
 
+#include "common/device_path.h"
 #include "device_model.h"
 #include "framedec.h"
 #include "msg/msg.h"
@@ -230,6 +231,9 @@ int main(int argc, char** argv) {
   };
   devsim::Device device(send, print);
   device.set_schedule(options.schedule);
+  // The card of the device tree (make run): videos are played from it, photos and recordings
+  // are written to it. Without a tree the host's /usrdata is left alone.
+  if (device_root_is_set()) device.set_media_dir(device_path("/usrdata/media/"));
 
   devsim::Actions actions{send, print, &device, [&quit] { quit = true; }};
   std::unique_ptr<devsim::Runner> runner;

@@ -1,6 +1,7 @@
 // Frame building, checking and decoding for the device simulator and the tests.
 #include "framedec.h"
 
+#include <algorithm>
 #include <cctype>
 #include <cstdio>
 #include <cstring>
@@ -11,6 +12,13 @@
 namespace framedec {
 
 namespace {
+
+// The values of a seek (eight bytes of a frame number), not a NUL-terminated name of eight.
+bool seek_values(const uint8_t* v, int n) {
+  if (n != 8) return false;
+  const bool name = v[7] == 0 && std::find(v, v + 7, 0) == v + 7;
+  return !name;
+}
 
 struct Name {
   int value;
@@ -301,7 +309,7 @@ std::string decode_from_ui(const Parts& parts) {
       return join(family, command, value_of(v[0]));
     }
     case 23: {
-      if (cmd == 1 && sub == TAP_REWIND_FORWARD && nvalues >= 8) {
+      if (cmd == 1 && sub == TAP_REWIND_FORWARD && seek_values(v, nvalues)) {
         return join(family, "TAP_REWIND_FORWARD", "frames=" + std::to_string(le64(v)));
       }
       std::string what;
@@ -543,6 +551,11 @@ std::optional<uint8_t> button_from_name(std::string_view name) {
     if (value < KEY_NULL_MAX) return static_cast<uint8_t>(value);
   }
   return std::nullopt;
+}
+
+bool is_seek_frame(std::span<const uint8_t> frame) {
+  return frame.size() == 17 && frame[1] == 14 && frame[2] == 23 && frame[3] == 1 &&
+         frame[4] == TAP_REWIND_FORWARD && seek_values(frame.data() + 6, 8);
 }
 
 std::string normalize(std::string_view text) {

@@ -52,6 +52,13 @@ const char* button_name(uint8_t button);  // KEY_* (byte 6 of a key frame)
 // "photo+function", "range+function", "range+photo", "up+power").
 std::optional<uint8_t> button_from_name(std::string_view name);
 
+// True for the UI's seek frame (type 23, bytes 3 and 4 = 1 and TAP_REWIND_FORWARD, eight value
+// bytes of the frame to show). "Play a.mp4" has the same five leading bytes (TAP_REPLAY is 1 and
+// TAP_REPLAY_START is 3) and differs only in its values: a NUL-terminated name, whose length is
+// seldom exactly eight bytes. At exactly eight, a name has no NUL before its last byte, while a
+// frame number below 2^48 has a zero among its first seven bytes.
+bool is_seek_frame(std::span<const uint8_t> frame);
+
 // Collapses runs of blanks into one, trims both ends: decoded lines compare with this.
 std::string normalize(std::string_view text);
 
