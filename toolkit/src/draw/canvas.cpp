@@ -134,6 +134,16 @@ int clamp_radius(const Rect& r, int radius) {
   return std::clamp(radius, 0, std::min(r.w, r.h) / 2);
 }
 
+// Pixels of `r` in row `cy` whose coverage is exactly 1, as [from, to): the whole row between
+// the corner bands, else the part between the two corners (empty outside the rectangle).
+void full_coverage_span(const Rect& r, int radius, float cy, int* from, int* to) {
+  *from = *to = 0;
+  if (r.empty() || cy < r.y || cy > r.bottom()) return;
+  const bool between_corners = radius <= 0 || (cy >= r.y + radius && cy <= r.bottom() - radius);
+  *from = between_corners ? r.x : r.x + radius;
+  *to = between_corners ? r.right() : r.right() - radius;
+}
+
 }  // namespace
 
 void Canvas::fill_rounded_coverage(const Rect& r, int radius, int inner_width, uint32_t color) {
@@ -142,18 +152,37 @@ void Canvas::fill_rounded_coverage(const Rect& r, int radius, int inner_width, u
   radius = clamp_radius(r, radius);
   Rect inner = inset(r, inner_width);
   int inner_radius = clamp_radius(inner, radius - inner_width);
+  const uint32_t full = mul255(255, alpha_);
   for (int y = d.y; y < d.bottom(); ++y) {
     uint32_t* p = target_->row(y);
     float cy = y + 0.5f;
+    // Only the corners need the coverage worked out: where the shape covers a pixel wholly it is
+    // 1, and inside a border's inner shape it is 0 (those pixels are skipped).
+    int full_from, full_to, hole_from = 0, hole_to = 0;
+    full_coverage_span(r, radius, cy, &full_from, &full_to);
+    if (inner_width > 0) full_coverage_span(inner, inner_radius, cy, &hole_from, &hole_to);
     for (int x = d.x; x < d.right(); ++x) {
+      if (x >= hole_from && x < hole_to) {
+        x = hole_to - 1;
+        continue;
+      }
+      if (inner_width <= 0 && x >= full_from && x < full_to) {
+        const int end = std::min(full_to, d.right());
+        for (; x < end; ++x)
+          p[x] = blend(p[x], color, full);
+        --x;
+        continue;
+      }
       float cx = x + 0.5f;
-      float cov = rounded_coverage(r, static_cast<float>(radius), cx, cy);
+      float cov = x >= full_from && x < full_to
+                      ? 1.0f
+                      : rounded_coverage(r, static_cast<float>(radius), cx, cy);
       if (inner_width > 0 && cov > 0.0f) {
         cov -= rounded_coverage(inner, static_cast<float>(inner_radius), cx, cy);
       }
       if (cov <= 0.0f) continue;
       uint32_t c = static_cast<uint32_t>(std::lround(cov * 255.0f));
-      p[x] = blend(p[x], color, mul255(c, alpha_));
+      p[x] = blend(p[x], color, c == 255 ? full : mul255(c, alpha_));
     }
   }
 }
