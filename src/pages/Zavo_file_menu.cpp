@@ -293,6 +293,13 @@ ret_t on_bmp_back_refresh(void* ctx, event_t* e) {
   return RET_OK;
 }
 
+// The window manager's events bound to this window end with it.
+ret_t on_window_close(void* ctx, event_t* e) {
+  (void)e;
+  widget_off_by_ctx(window_manager(), ctx);
+  return RET_OK;
+}
+
 ret_t visit_init_child(void* ctx, const void* iter) {
   const widget_t* widget = static_cast<const widget_t*>(iter);
   if (widget->name == NULL) return RET_OK;
@@ -357,6 +364,7 @@ ret_t Zavo_file_menu_init(widget_t* win, void* ctx) {
   }
 
   widget_foreach(win, visit_init_child, win);
+  widget_on(win, EVT_WINDOW_CLOSE, on_window_close, win);
   // Keys reach the window (none of its children takes the focus), so the handler is bound once,
   // on the window, and runs once a key.
   widget_on(win, EVT_KEY_DOWN, on_key_pressed_event, win);

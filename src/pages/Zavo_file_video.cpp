@@ -190,10 +190,11 @@ void hide_windows_below(widget_t* win) {
   }
 }
 
+// Closing: the windows below come back, and the window manager's events bound to the player end.
 ret_t on_player_close(void* ctx, event_t* e) {
-  (void)ctx;
   (void)e;
   show_hidden_windows();
+  widget_off_by_ctx(window_manager(), ctx);
   return RET_OK;
 }
 
