@@ -73,7 +73,6 @@ class Device {
   // ---- reticle alignment and blind pixels (device_reticle.cpp) ----
   // How long a blind-pixel save takes before the device reports it; negative: it never does.
   void set_blind_save_delay(int ms) { blind_save_delay_ms_ = ms; }
-  const Inf_IR_Cursor& zeroing() const { return zeroing_; }
   struct BlindCursor {
     bool on;
     int x, y;     // on the sensor, 640 x 512
