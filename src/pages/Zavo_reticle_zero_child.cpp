@@ -70,16 +70,16 @@ ret_t on_child_menu_display(void* ctx, event_t* e) {
 
 ret_t visit_init_child(void* ctx, const void* iter) {
   widget_t* win = static_cast<widget_t*>(ctx);
-  const widget_t* child = static_cast<const widget_t*>(iter);
+  widget_t* child = static_cast<widget_t*>(const_cast<void*>(iter));
   if (child->name == NULL) return RET_OK;
   const std::string_view name(child->name);
   if (name == "view_reticle_zero_child") {
     widget_on(window_manager(), EVT_USER_START + int{SCREEN_EVT_RETICLE_ZERO_BACK},
               on_child_menu_display, win);
   } else if (name == "label_movement") {
-    widget_set_state(const_cast<widget_t*>(child), WIDGET_STATE_FOCUSED);
+    widget_set_state(child, WIDGET_STATE_FOCUSED);
   } else if (name == "view_tip_exit") {
-    widget_set_visible(const_cast<widget_t*>(child), FALSE);
+    widget_set_visible(child, FALSE);
   }
   return RET_OK;
 }
