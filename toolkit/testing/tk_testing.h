@@ -97,6 +97,14 @@ rect_t tk_testing_screen_rect(widget_t* widget);
 // Dirty rectangles accumulated since the last paint or the last call (then cleared).
 std::vector<rect_t> tk_testing_take_dirty(void);
 
+/* ---- what is alive: leaks after a page closed ---- */
+
+// Timers not removed (widget timers included), idles not removed (the toolkit's own open, close
+// and burial idles included), widgets not yet freed (the window manager included).
+uint32_t tk_testing_timer_count(void);
+uint32_t tk_testing_idle_count(void);
+uint32_t tk_testing_widget_count(void);
+
 /* ---- the main-loop queue ---- */
 
 // Posts that failed because the queue (MAIN_LOOP_QUEUE_SIZE entries) was full.
