@@ -229,7 +229,9 @@ TEST(TreeFont, FontsAreFoundByNameInTheTreeOnly) {
 // Every character of every text of the UI (the string tables in all languages, the literal texts
 // of the layouts) has a glyph in the tree's font: Latin, Cyrillic and Chinese.
 TEST(TreeFont, TheFontHasEveryCharacterTheUIShows) {
-  if (TTF_WasInit() == 0) ASSERT_EQ(TTF_Init(), 0);
+  if (TTF_WasInit() == 0) {
+    ASSERT_EQ(TTF_Init(), 0);
+  }
   TTF_Font* font = TTF_OpenFont((kFonts + "/default.ttf").c_str(), 20);
   ASSERT_NE(font, nullptr) << TTF_GetError();
   std::set<std::string> languages;
