@@ -17,8 +17,8 @@ namespace tk::draw {
 namespace {
 
 // A font_size is the pixel height from the top of the highest ascender to the bottom of the
-// lowest descender (ascent - descent), as on the board: the font is opened at the point size
-// that gives that height. The font's own ratio of that height to its em is read once per file
+// lowest descender (ascent - descent), as on the board: the font is opened at the scale that
+// gives that height. The font's own ratio of that height to its em is read once per file
 // at this em size in pixels, where rounding is negligible.
 constexpr int kReferenceEm = 2048;
 
@@ -133,7 +133,7 @@ TTF_Font* font_for(const std::string& name, int size, std::string& file) {
       report_once("open:" + file, "font \"" + name + "\": cannot open " + file + ": " +
                                       TTF_GetError() + "; text is not drawn");
     } else {
-      // Vertical hinting only: the glyphs keep their unhinted widths, as the board draws them.
+      // Vertical hinting only: widths stay unhinted, which gives the board's text extents.
       TTF_SetFontHinting(font, TTF_HINTING_LIGHT);
     }
   }
