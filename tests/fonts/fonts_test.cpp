@@ -274,3 +274,37 @@ TEST(TreeFont, TheFontHasEveryCharacterTheUIShows) {
             (std::set<std::string>{"en_US", "zh_CN", "ru_RU", "de_DE", "fr_FR", "es_ES", "it_IT"}));
   EXPECT_GT(texts, 50u);
 }
+
+// What the every-page check measures: a widget's text at its current style's font and size,
+// against its width less the style's margins.
+TEST(TreeFont, AWidgetsTextIsMeasuredInItsCurrentStyle) {
+  tk_testing_init();
+  widget_t* win = tk_testing_open_xml("measure", R"(
+    <window name="measure" x="0" y="0" w="1280" h="1024">
+      <label name="plain" x="0" y="0" w="200" h="40" text="---- yd" style.normal.font_size="36"/>
+      <label name="margins" x="0" y="50" w="200" h="40" text="---- yd"
+             style.normal.font_size="36" style.normal.margin="10" style.normal.margin_left="30"/>
+      <label name="focused" x="0" y="100" w="200" h="40" text="---- yd"
+             style.normal.font_size="18" style.focused.font_size="36"/>
+      <label name="lines" x="0" y="150" w="200" h="80" text="--&#10;---- yd"
+             style.normal.font_size="36"/>
+      <label name="empty" x="0" y="250" w="200" h="40" text=""/>
+      <image name="picture" x="0" y="300" w="50" h="50" image="switch_large_on"/>
+    </window>)");
+  ASSERT_NE(win, nullptr);
+  tk_testing_advance(0);
+  auto w = [&](const char* name) { return widget_lookup(win, name, TRUE); };
+  const int at36 = tk_testing_text_width(w("plain"));
+  EXPECT_NEAR(at36, 79, 3) << "\"---- yd\" at 36: 77 pixels of ink";
+  EXPECT_EQ(tk_testing_text_room(w("plain")), 200);
+  EXPECT_EQ(tk_testing_text_width(w("margins")), at36);
+  EXPECT_EQ(tk_testing_text_room(w("margins")), 200 - 30 - 10);
+  const int at18 = tk_testing_text_width(w("focused"));
+  EXPECT_NEAR(at18 * 2, at36, 3);
+  widget_set_state(w("focused"), WIDGET_STATE_FOCUSED);
+  EXPECT_EQ(tk_testing_text_width(w("focused")), at36);
+  EXPECT_EQ(tk_testing_text_width(w("lines")), at36) << "the widest line";
+  EXPECT_EQ(tk_testing_text_width(w("empty")), 0);
+  EXPECT_EQ(tk_testing_text_width(w("picture")), 0);
+  EXPECT_EQ(tk_testing_text_room(w("picture")), 50);
+}
