@@ -11,6 +11,7 @@
 //   query | boot | profile <0..4> | solution
 //   update-notice | update-state <n> | update-result <n>
 //   schedule on|off                                periodic battery, compass and wind
+//   blind-save <ms>|never                          how long a blind-pixel save takes to report
 //   wait <ms>
 //   expect <decoded frame>                         the next frames from the UI hold one that
 //                                                  decodes to this text (blanks collapsed)
@@ -51,6 +52,7 @@ enum class Op {
   UPDATE_STATE,
   UPDATE_RESULT,
   SCHEDULE,
+  BLIND_SAVE,
   WAIT,
   EXPECT,
   EXPECT_HEX,

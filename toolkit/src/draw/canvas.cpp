@@ -134,16 +134,6 @@ int clamp_radius(const Rect& r, int radius) {
   return std::clamp(radius, 0, std::min(r.w, r.h) / 2);
 }
 
-// Pixels of `r` in row `cy` whose coverage is exactly 1, as [from, to): the whole row between
-// the corner bands, else the part between the two corners (empty outside the rectangle).
-void full_coverage_span(const Rect& r, int radius, float cy, int* from, int* to) {
-  *from = *to = 0;
-  if (r.empty() || cy < r.y || cy > r.bottom()) return;
-  const bool between_corners = radius <= 0 || (cy >= r.y + radius && cy <= r.bottom() - radius);
-  *from = between_corners ? r.x : r.x + radius;
-  *to = between_corners ? r.right() : r.right() - radius;
-}
-
 }  // namespace
 
 void Canvas::fill_rounded_coverage(const Rect& r, int radius, int inner_width, uint32_t color) {
@@ -152,37 +142,49 @@ void Canvas::fill_rounded_coverage(const Rect& r, int radius, int inner_width, u
   radius = clamp_radius(r, radius);
   Rect inner = inset(r, inner_width);
   int inner_radius = clamp_radius(inner, radius - inner_width);
-  const uint32_t full = mul255(255, alpha_);
+  const uint32_t full_coverage = mul255(255, alpha_);
   for (int y = d.y; y < d.bottom(); ++y) {
     uint32_t* p = target_->row(y);
     float cy = y + 0.5f;
-    // Only the corners need the coverage worked out: where the shape covers a pixel wholly it is
-    // 1, and inside a border's inner shape it is 0 (those pixels are skipped).
-    int full_from, full_to, hole_from = 0, hole_to = 0;
-    full_coverage_span(r, radius, cy, &full_from, &full_to);
-    if (inner_width > 0) full_coverage_span(inner, inner_radius, cy, &hole_from, &hole_to);
+    // Pixels whose coverage needs no corner arithmetic. A rounded shape covers a pixel fully when
+    // the pixel lies between its corner columns, or on a row between its corner rows. For a
+    // border, a pixel the inner shape covers fully gets nothing: skip [skip0, skip1). For a fill,
+    // a fully covered pixel is blended at full coverage: [full0, full1).
+    int skip0 = 0;
+    int skip1 = 0;
+    int full0 = 0;
+    int full1 = 0;
+    if (inner_width > 0) {
+      if (!inner.empty() && y >= inner.y && y < inner.bottom()) {
+        const bool band = y >= inner.y + inner_radius && y < inner.bottom() - inner_radius;
+        skip0 = band ? inner.x : inner.x + inner_radius;
+        skip1 = band ? inner.right() : inner.right() - inner_radius;
+      }
+    } else {
+      const bool band = y >= r.y + radius && y < r.bottom() - radius;
+      full0 = band ? r.x : r.x + radius;
+      full1 = band ? r.right() : r.right() - radius;
+    }
     for (int x = d.x; x < d.right(); ++x) {
-      if (x >= hole_from && x < hole_to) {
-        x = hole_to - 1;
+      if (x >= skip0 && x < skip1) {
+        x = skip1 - 1;
         continue;
       }
-      if (inner_width <= 0 && x >= full_from && x < full_to) {
-        const int end = std::min(full_to, d.right());
+      if (x >= full0 && x < full1) {
+        const int end = std::min(full1, d.right());
         for (; x < end; ++x)
-          p[x] = blend(p[x], color, full);
+          p[x] = blend(p[x], color, full_coverage);
         --x;
         continue;
       }
       float cx = x + 0.5f;
-      float cov = x >= full_from && x < full_to
-                      ? 1.0f
-                      : rounded_coverage(r, static_cast<float>(radius), cx, cy);
+      float cov = rounded_coverage(r, static_cast<float>(radius), cx, cy);
       if (inner_width > 0 && cov > 0.0f) {
         cov -= rounded_coverage(inner, static_cast<float>(inner_radius), cx, cy);
       }
       if (cov <= 0.0f) continue;
       uint32_t c = static_cast<uint32_t>(std::lround(cov * 255.0f));
-      p[x] = blend(p[x], color, c == 255 ? full : mul255(c, alpha_));
+      p[x] = blend(p[x], color, mul255(c, alpha_));
     }
   }
 }
