@@ -63,12 +63,13 @@ ret_t on_tip_timer(const timer_info_t* timer) {
   const std::string_view back(stUIStatus.temp_window,
                               strnlen(stUIStatus.temp_window, sizeof(stUIStatus.temp_window)));
   std::printf("%.*s\n\n\n", static_cast<int>(back.size()), back.data());
-  if (is_ballistic_page(back)) {
+  const std::string name(back);
+  if (is_ballistic_page(back) || name.empty() ||
+      navigator_switch_to(name.c_str(), TRUE) != RET_OK) {
+    // A ballistic page, or no window to give the screen back to (the notice opened by name, or a
+    // window that cannot be opened): the observation screen.
     navigator_close("Zavo_tip_ballistic");
     window_manager_back_to(window_manager(), HOME);
-  } else {
-    const std::string name(back);
-    navigator_switch_to(name.c_str(), TRUE);
   }
   return RET_REMOVE;
 }

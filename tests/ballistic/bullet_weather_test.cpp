@@ -53,7 +53,7 @@ class BulletWeatherTest : public BallisticTest {
   }
 };
 
-TEST_F(BulletWeatherTest, BulletRowsShowTheProfileAsDesigned) {
+TEST_F(BulletWeatherTest, BulletRowsShowTheProfileDigitByDigit) {
   profile().gun.bullet.ballisticsCoef = 0.5;
   profile().gun.bullet.weight = 750;
   profile().gun.bullet.dragFunction = 7;

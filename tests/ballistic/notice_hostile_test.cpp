@@ -2,6 +2,7 @@
 // the widget names every ballistic layout must hold, and profiles with hostile numbers arriving
 // through the device link and shown, edited and saved by the three pages.
 #include <cmath>
+#include <cstdio>
 #include <cstring>
 #include <limits>
 #include <string>
@@ -73,6 +74,17 @@ TEST_F(BallisticNoticeTest, ALoadOverABallisticPageEndsOnTheObservationScreen) {
   }
 }
 
+TEST_F(BallisticNoticeTest, WithoutAWindowToReturnToTheNoticeEndsOnTheObservationScreen) {
+  for (const char* back : {"", "Zavo_no_such_window"}) {
+    open_over_home("Zavo_tip_ballistic");
+    std::snprintf(stUIStatus.temp_window, sizeof(stUIStatus.temp_window), "%s", back);
+    advance(2000);
+    advance(0);
+    EXPECT_EQ(top_name(), "Zavo_home_page_1") << back;
+    EXPECT_EQ(tk_testing_window_names().size(), 1u) << back;
+  }
+}
+
 TEST_F(BallisticNoticeTest, PowerLeavesTheNoticeAtOnceAndItsTimerGoesWithIt) {
   open_over_home("Zavo_ballistic_menu");
   push_profile(1, ballistic_test::field_profile());
@@ -94,7 +106,7 @@ TEST_F(BallisticNoticeTest, PowerLeavesTheNoticeAtOnceAndItsTimerGoesWithIt) {
   EXPECT_EQ(top_name(), "Zavo_home_page_1");
 }
 
-TEST_F(BallisticNoticeTest, EveryDesignedWidgetNameIsInItsLayout) {
+TEST_F(BallisticNoticeTest, EveryWidgetNameThePagesUseIsInTheirLayouts) {
   const std::vector<std::pair<const char*, std::vector<const char*>>> pages = {
       {"Zavo_ballistic_menu",
        {"hightlight",
