@@ -10,6 +10,7 @@
 //   wind-connect <0|1> | distance <decimetres>|fail | target <metres> | zoom <hundredths>
 //   query | boot | profile <0..4> | solution
 //   update-notice | update-state <n> | update-result <n>
+//   shot                                           the recoil sensor fires (recoil video on)
 //   schedule on|off                                periodic battery, compass and wind
 //   wait <ms>
 //   expect <decoded frame>                         the next frames from the UI hold one that
@@ -50,6 +51,7 @@ enum class Op {
   UPDATE_NOTICE,
   UPDATE_STATE,
   UPDATE_RESULT,
+  SHOT,
   SCHEDULE,
   WAIT,
   EXPECT,
