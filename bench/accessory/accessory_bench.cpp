@@ -23,6 +23,7 @@ constexpr const char* PAGES[] = {
     "Zavo_Anemometer",
     "Zavo_wind",
     "Zavo_Recoil_menu",
+    "Zavo_Magnetic_declination",
 };
 
 void open_home() {

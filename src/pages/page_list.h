@@ -46,7 +46,7 @@
   P(Zavo_reticle_menu)          \
   P(Zavo_file_image)            \
   P(Zavo_file_menu)             \
-  P(Zavo_Magnetic_declination)  \
+  X(Zavo_Magnetic_declination)  \
   X(Zavo_vertical_correction)   \
   X(Zavo_level_correction)      \
   P(Zavo_pixel_menu)            \

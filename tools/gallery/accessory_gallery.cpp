@@ -35,7 +35,7 @@ void wind(int mm_s) {
   home_scene_raise(SCREEN_EVT_WIND);
 }
 
-const std::array<page_shot, 12> SHOTS = {{
+const std::array<page_shot, 13> SHOTS = {{
     {"accessory_lrf", "Zavo_lrf_menu",
      [] {
        stDevStatus.s8RangeType = RANGE_CONTINUOUS;
@@ -67,6 +67,15 @@ const std::array<page_shot, 12> SHOTS = {{
        for (int azimuth = 30; azimuth < 360; azimuth += 30)
          compass(azimuth, 0, 0);
        keys({GUI_KEY_FUCTION_L, GUI_KEY_PHOTO_S});
+     }},
+    {"accessory_declination", "Zavo_Magnetic_declination",
+     [] {
+       stDevStatus.s16CompassMagnetic = 47;
+       stUIStatus.s16CompassAzimuth = 256;
+     },
+     [] {
+       // The units digit being changed: function twice to reach it, then range (up).
+       keys({GUI_KEY_FUCTION_S, GUI_KEY_FUCTION_S, GUI_KEY_FUCTION_S, GUI_KEY_RANGE_S});
      }},
     {"accessory_level_correction", "Zavo_level_correction", [] { calibration_reset(); },
      [] {
