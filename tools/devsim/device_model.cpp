@@ -525,6 +525,9 @@ void Device::on_frame(const Frame& f) {
       if (cmd == SAVE_ALLPARAM) print_("device: all settings saved");
       break;
     case 6: on_compass(f); break;
+    case 1: on_infrared(f); break;
+    case 22: on_reticle(f); break;
+    case 24: on_blind(f); break;
     case 23: on_tap(f); break;
     case 27: on_ballistic(f); break;
     case 28: on_recoil(f); break;
@@ -534,6 +537,7 @@ void Device::on_frame(const Frame& f) {
 
 void Device::tick(uint64_t now_ms) {
   now_ms_ = now_ms;
+  tick_reticle(now_ms);
   if (schedule_) {
     if (now_ms >= next_battery_ms_) {
       if (next_battery_ms_ != 0) send_battery();

@@ -143,6 +143,16 @@ std::optional<Command> parse_command(std::string_view line, std::string* error) 
     c.numbers.push_back(words[1] == "on" ? 1 : 0);
     return c;
   }
+  if (verb == "blind-save") {
+    int ms = -1;
+    if (nargs != 1 || (words[1] != "never" && (!number(words[1], &ms) || ms < 0))) {
+      *error = "\"blind-save\" needs milliseconds or \"never\"";
+      return std::nullopt;
+    }
+    c.op = Op::BLIND_SAVE;
+    c.numbers.push_back(ms);
+    return c;
+  }
   for (const Verb& form : VERBS) {
     if (verb != form.word) continue;
     if (static_cast<int>(nargs) < form.min_args || static_cast<int>(nargs) > form.max_args) {
@@ -251,6 +261,7 @@ void execute(const Command& c, const Actions& a) {
       break;
     }
     case Op::SCHEDULE: d.set_schedule(n[0] != 0); break;
+    case Op::BLIND_SAVE: d.set_blind_save_delay(n[0]); break;
     case Op::QUIT:
       if (a.quit) a.quit();
       break;

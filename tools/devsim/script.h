@@ -12,6 +12,7 @@
 //   update-notice | update-state <n> | update-result <n>
 //   shot                                           the recoil sensor fires (recoil video on)
 //   schedule on|off                                periodic battery, compass and wind
+//   blind-save <ms>|never                          how long a blind-pixel save takes to report
 //   wait <ms>
 //   expect <decoded frame>                         the next frames from the UI hold one that
 //                                                  decodes to this text (blanks collapsed)
@@ -53,6 +54,7 @@ enum class Op {
   UPDATE_RESULT,
   SHOT,
   SCHEDULE,
+  BLIND_SAVE,
   WAIT,
   EXPECT,
   EXPECT_HEX,

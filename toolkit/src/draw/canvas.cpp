@@ -142,10 +142,41 @@ void Canvas::fill_rounded_coverage(const Rect& r, int radius, int inner_width, u
   radius = clamp_radius(r, radius);
   Rect inner = inset(r, inner_width);
   int inner_radius = clamp_radius(inner, radius - inner_width);
+  const uint32_t full_coverage = mul255(255, alpha_);
   for (int y = d.y; y < d.bottom(); ++y) {
     uint32_t* p = target_->row(y);
     float cy = y + 0.5f;
+    // Pixels whose coverage needs no corner arithmetic. A rounded shape covers a pixel fully when
+    // the pixel lies between its corner columns, or on a row between its corner rows. For a
+    // border, a pixel the inner shape covers fully gets nothing: skip [skip0, skip1). For a fill,
+    // a fully covered pixel is blended at full coverage: [full0, full1).
+    int skip0 = 0;
+    int skip1 = 0;
+    int full0 = 0;
+    int full1 = 0;
+    if (inner_width > 0) {
+      if (!inner.empty() && y >= inner.y && y < inner.bottom()) {
+        const bool band = y >= inner.y + inner_radius && y < inner.bottom() - inner_radius;
+        skip0 = band ? inner.x : inner.x + inner_radius;
+        skip1 = band ? inner.right() : inner.right() - inner_radius;
+      }
+    } else {
+      const bool band = y >= r.y + radius && y < r.bottom() - radius;
+      full0 = band ? r.x : r.x + radius;
+      full1 = band ? r.right() : r.right() - radius;
+    }
     for (int x = d.x; x < d.right(); ++x) {
+      if (x >= skip0 && x < skip1) {
+        x = skip1 - 1;
+        continue;
+      }
+      if (x >= full0 && x < full1) {
+        const int end = std::min(full1, d.right());
+        for (; x < end; ++x)
+          p[x] = blend(p[x], color, full_coverage);
+        --x;
+        continue;
+      }
       float cx = x + 0.5f;
       float cov = rounded_coverage(r, static_cast<float>(radius), cx, cy);
       if (inner_width > 0 && cov > 0.0f) {
