@@ -158,7 +158,8 @@ void print_key_map() {
   }
   std::printf("  space  release every held button\n");
   std::printf(
-      "  :      a command line (\"battery 700\", \"distance 4500\", \"query\", \"boot\", "
+      "  :      a command line (\"battery 700\", \"distance 4500\", \"profile 2\" (a ballistic "
+      "profile loaded mid-way), \"query\", \"boot\", "
       "\"quit\", ... see tools/devsim/script.h)\n");
   std::printf("  Ctrl-C or Ctrl-D  quit\n");
   std::fflush(stdout);
