@@ -28,5 +28,6 @@ PAGE_LIST(OWN_MODULE, PENDING_PAGE_INIT)
 #undef OWN_MODULE
 #undef PENDING_PAGE_INIT
 
-// Set by the home screen before it opens "Zavo_menu1"; it moves with that page's module.
-uint8_t Zavo_menu1_index = 0;
+// Row of "Zavo_reticle_menu" to focus when it opens, set by the main menu; it moves with that
+// page's module.
+uint8_t Zavo_reticle_index = 2;

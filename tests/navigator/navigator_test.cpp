@@ -95,7 +95,8 @@ TEST_F(Navigator, PagesOpenWithTheirInitAndSingleInstancePagesStartOver) {
   ASSERT_EQ(settled(navigator_to("Zavo_Info")), RET_OK);
   widget_set_prop_str(widget_child(window_manager(), "Zavo_Info"), "opened", "first");
   out = printed_by([] { EXPECT_EQ(settled(navigator_to("Zavo_Info")), RET_OK); });
-  EXPECT_EQ(out, "name  =============Zavo_Info\n");  // the init ran again
+  // The init ran again (the page's own lines may follow the navigator's).
+  EXPECT_EQ(out.rfind("name  =============Zavo_Info\n", 0), 0u) << out;
   EXPECT_EQ(tk_testing_window_names(),
             (names{"Zavo_Settings", "outside_table", "Zavo_Settings", "Zavo_Info"}));
   EXPECT_STREQ(widget_get_prop_str(widget_child(window_manager(), "Zavo_Info"), "opened", "new"),
