@@ -49,9 +49,12 @@ TEST_F(UpgradeTest, TheCardAndTheBatteryDecideTheFirstState) {
     int check;
   };
   const Case cases[] = {
-      {4000, 731, 4, 0}, {4000, 729, 2, 2}, {150, 731, 1, 1},
-      {150, 729, 3, 1},  {4000, 730, 0, 5},  // exactly 730 decides nothing; the check still goes
-                                             // out
+      {4000, 731, 4, 0},
+      {4000, 729, 2, 2},
+      {150, 731, 1, 1},
+      {150, 729, 3, 1},
+      {4000, 730, 0, 5},  // exactly 730 decides nothing; the check still goes
+                          // out
       {150, 730, 0, 5},
   };
   for (const Case& c : cases) {
