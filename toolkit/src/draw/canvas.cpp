@@ -142,9 +142,37 @@ void Canvas::fill_rounded_coverage(const Rect& r, int radius, int inner_width, u
   radius = clamp_radius(r, radius);
   Rect inner = inset(r, inner_width);
   int inner_radius = clamp_radius(inner, radius - inner_width);
+  const float rf = static_cast<float>(radius);
+  const float irf = static_cast<float>(inner_radius);
   for (int y = d.y; y < d.bottom(); ++y) {
     uint32_t* p = target_->row(y);
     float cy = y + 0.5f;
+    // Rows in the straight middle of the shape skip the per-pixel coverage where its value is
+    // known: 1 everywhere in a fill, 0 in a ring's hole (the pixels of d are inside r).
+    if (cy >= r.y + rf && cy <= r.bottom() - rf) {
+      if (inner_width <= 0) {
+        const uint32_t full = mul255(255, alpha_);
+        for (int x = d.x; x < d.right(); ++x)
+          p[x] = blend(p[x], color, full);
+        continue;
+      }
+      if (!inner.empty() && cy >= inner.y + irf && cy <= inner.bottom() - irf) {
+        const int hole_from = std::max(d.x, inner.x);
+        const int hole_to = std::min(d.right(), inner.right());
+        for (int x = d.x; x < d.right(); ++x) {
+          if (x == hole_from && hole_from < hole_to) {
+            x = hole_to - 1;
+            continue;
+          }
+          float cx = x + 0.5f;
+          float cov = rounded_coverage(r, rf, cx, cy) - rounded_coverage(inner, irf, cx, cy);
+          if (cov <= 0.0f) continue;
+          uint32_t c = static_cast<uint32_t>(std::lround(cov * 255.0f));
+          p[x] = blend(p[x], color, mul255(c, alpha_));
+        }
+        continue;
+      }
+    }
     for (int x = d.x; x < d.right(); ++x) {
       float cx = x + 0.5f;
       float cov = rounded_coverage(r, static_cast<float>(radius), cx, cy);
