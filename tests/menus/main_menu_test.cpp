@@ -233,9 +233,9 @@ TEST_F(MainMenuTest, FileBrowserIsRefusedWhileRecordingWithOneTipTimer) {
   advance(500);
   EXPECT_FALSE(shown("view_tip_record"));  // 2 s after the first press
   key(GUI_KEY_FUCTION_S);                  // a new tip, a new timer
-  advance(1400);  // a timer of the second press would have hidden it at 3500 ms
+  advance(1600);  // a timer of the second press would have hidden it at 3500 ms
   EXPECT_TRUE(shown("view_tip_record"));
-  advance(600);
+  advance(400);
   EXPECT_FALSE(shown("view_tip_record"));
   EXPECT_EQ(top_name(), "Zavo_menu1");
   EXPECT_FALSE(requested("Zavo_file_menu"));
