@@ -25,10 +25,6 @@ extern int32_t enter_range_move_menu;
 ret_t on_menu1_display(widget_t* win, uint8_t index);
 ret_t on_menu2_display(widget_t* win, uint8_t index);
 
-// Row of the reticle menu to focus when it opens; the first main menu sets it to 2. It belongs
-// to "Zavo_reticle_menu" and moves into that page's module when it is written.
-extern uint8_t Zavo_reticle_index;
-
 // ---- the image shortcut menu ----
 extern uint8_t Zavo_menu_index;      // item 1..5: scene, palette, brightness, contrast, enhancement
 extern uint8_t colormap_menu_num;    // palette position 1..5 (= s8IrPolarity + 1)

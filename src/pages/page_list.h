@@ -18,8 +18,8 @@
   P(Zavo_Laser_menu)            \
   P(Zavo_lrf_menu)              \
   P(Zavo_PIP_menu)              \
-  P(Zavo_laser_move)            \
-  P(Zavo_range_move)            \
+  X(Zavo_laser_move)            \
+  X(Zavo_range_move)            \
   X(Zavo_updata)                \
   P(Zavo_tip_ballistic)         \
   P(Zavo_wind)                  \
@@ -37,19 +37,19 @@
   P(Zavo_file_video_1)          \
   P(Zavo_compass_menu)          \
   P(Zavo_compass_1)             \
-  P(Zavo_pixel_save)            \
-  P(Zavo_pixel_child)           \
-  P(Zavo_reticle_zero)          \
+  X(Zavo_pixel_save)            \
+  X(Zavo_pixel_child)           \
+  X(Zavo_reticle_zero)          \
   X(Zavo_home_page_1)           \
-  P(Zavo_reticle_move)          \
-  P(Zavo_reticle_zero_child)    \
-  P(Zavo_reticle_menu)          \
+  X(Zavo_reticle_move)          \
+  X(Zavo_reticle_zero_child)    \
+  X(Zavo_reticle_menu)          \
   P(Zavo_file_image)            \
   P(Zavo_file_menu)             \
   P(Zavo_Magnetic_declination)  \
   P(Zavo_vertical_correction)   \
   P(Zavo_level_correction)      \
-  P(Zavo_pixel_menu)            \
+  X(Zavo_pixel_menu)            \
   P(Zavo_Anemometer)            \
   X(Zavo_format_restart)        \
   X(Zavo_formatting)            \
@@ -76,5 +76,9 @@ static_assert(PAGE_COUNT == 48);
 // Row of the first main menu to select when "Zavo_menu1" opens; the home screen sets it before
 // opening the menu.
 extern uint8_t Zavo_menu1_index;
+
+// Row of the reticle menu to focus when "Zavo_reticle_menu" opens (2, the reticle type); the main
+// menu sets it before opening the page.
+extern uint8_t Zavo_reticle_index;
 
 #endif  // SCOPE_PAGES_PAGE_LIST_H

@@ -27,7 +27,3 @@ ret_t visit_nothing(void* ctx, const void* iter) {
 PAGE_LIST(OWN_MODULE, PENDING_PAGE_INIT)
 #undef OWN_MODULE
 #undef PENDING_PAGE_INIT
-
-// Row of "Zavo_reticle_menu" to focus when it opens, set by the main menu; it moves with that
-// page's module.
-uint8_t Zavo_reticle_index = 2;

@@ -52,7 +52,9 @@ TEST_F(DateTimeTest, ShowsTheClockAndFramesTheFocusedField) {
     EXPECT_EQ(box("view_sel"), table[field - 1].frame);
     EXPECT_EQ(box("view_arrow"), table[field - 1].arrows);
     EXPECT_EQ(state(table[field - 1].label), WIDGET_STATE_FOCUSED);
-    if (field > 1) EXPECT_EQ(state(table[field - 2].label), WIDGET_STATE_NORMAL);
+    if (field > 1) {
+      EXPECT_EQ(state(table[field - 2].label), WIDGET_STATE_NORMAL);
+    }
     if (field < 5) key(GUI_KEY_FUCTION_S);
   }
   // The arrows show the direction of the last step.

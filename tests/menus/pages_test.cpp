@@ -27,7 +27,7 @@ void texts_of(widget_t* widget, std::vector<std::pair<std::string, std::string>>
     widget_get_text_utf8(widget, text, sizeof(text));
     out->emplace_back(key, text);
   }
-  for (uint32_t i = 0; i < widget_count_children(widget); ++i)
+  for (int32_t i = 0; i < widget_count_children(widget); ++i)
     texts_of(widget_get_child(widget, i), out);
 }
 

@@ -525,6 +525,9 @@ void Device::on_frame(const Frame& f) {
     case 16:
       if (cmd == SAVE_ALLPARAM) print_("device: all settings saved");
       break;
+    case 1: on_infrared(f); break;
+    case 22: on_reticle(f); break;
+    case 24: on_blind(f); break;
     case 23: on_tap(f); break;
     case 27: on_ballistic(f); break;
     default: break;
@@ -534,6 +537,7 @@ void Device::on_frame(const Frame& f) {
 void Device::tick(uint64_t now_ms) {
   now_ms_ = now_ms;
   tick_system();
+  tick_reticle(now_ms);
   if (schedule_ && !rebooting_) {
     if (now_ms >= next_battery_ms_) {
       if (next_battery_ms_ != 0) send_battery();

@@ -87,6 +87,19 @@ class Device {
   // Plays a firmware upgrade: the start notice, then the states the UI's answers lead to.
   void start_upgrade(Upgrade outcome);
   bool rebooting() const { return rebooting_; }
+  // ---- reticle alignment and blind pixels (device_reticle.cpp) ----
+  // How long a blind-pixel save takes before the device reports it; negative: it never does.
+  void set_blind_save_delay(int ms) { blind_save_delay_ms_ = ms; }
+  struct BlindCursor {
+    bool on;
+    int x, y;     // on the sensor, 640 x 512
+    int marked;   // pixels marked for repair since the last save
+    bool saving;  // a save waits to be reported
+  };
+  BlindCursor blind_cursor() const {
+    return {blind_on_, blind_x_, blind_y_, blind_marked_, blind_saving_};
+  }
+  bool frozen() const { return frozen_; }
 
   const Inf_DevStatus& settings() const { return settings_; }
   const Info_ballistics& profile(int index) const { return profiles_[index]; }
@@ -106,6 +119,11 @@ class Device {
   void later(uint64_t delay_ms, Frame frame, std::string note);
   int format_card();
   void factory_reset();
+  // device_reticle.cpp
+  void on_reticle(const Frame& frame);
+  void on_blind(const Frame& frame);
+  void on_infrared(const Frame& frame);
+  void tick_reticle(uint64_t now_ms);
 
   Sender send_;
   Printer print_;
@@ -150,6 +168,16 @@ class Device {
   uint64_t play_frames_ = 0;
   uint64_t play_total_ = 0;
   uint64_t next_play_ms_ = 0;
+
+  // reticle alignment and blind pixels
+  int blind_save_delay_ms_ = 1500;
+  bool blind_on_ = false;
+  int blind_x_ = 320;
+  int blind_y_ = 256;
+  int blind_marked_ = 0;
+  bool blind_saving_ = false;
+  uint64_t blind_save_at_ms_ = 0;
+  bool frozen_ = false;
 };
 
 }  // namespace devsim

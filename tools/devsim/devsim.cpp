@@ -12,6 +12,7 @@
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <ctime>
 
@@ -56,10 +57,11 @@ struct Options {
   bool remove_queues = false;
   std::string keys;
   bool trace = false;
-  int battery = -1;        // fixed battery level, -1: the slow discharge
-  std::string card;        // ok, low or full
-  std::string root;        // the device tree (default $SCOPE_UI_ROOT)
-  std::string ui_control;  // where the scope's restart and power-off are asked for
+  int battery = -1;          // fixed battery level, -1: the slow discharge
+  std::string card;          // ok, low or full
+  std::string root;          // the device tree (default $SCOPE_UI_ROOT)
+  std::string ui_control;    // where the scope's restart and power-off are asked for
+  int blind_save_ms = 1500;  // negative: a blind-pixel save is never reported
 };
 
 void usage() {
@@ -67,6 +69,7 @@ void usage() {
       "usage: devsim [--script FILE] [--no-schedule] [--remove-queues-on-exit] "
       "[--keys SEND,RECV] [--trace]\n"
       "              [--battery N] [--card ok|low|full] [--root DIR] [--ui-control FILE]\n"
+      "              [--blind-save MS|never]\n"
       "  --script FILE            run a scenario (see tools/devsim/script.h), exit 0 on pass, 1 "
       "on failure\n"
       "  --no-schedule            no periodic battery, compass and wind readings\n"
@@ -79,7 +82,9 @@ void usage() {
       "  --root DIR               the device tree (default $SCOPE_UI_ROOT): its card is formatted\n"
       "  --ui-control FILE        append \"reboot\" or \"shutdown\" here when the scope restarts "
       "or\n"
-      "                           powers off (make run restarts or stops the UI)\n",
+      "                           powers off (make run restarts or stops the UI)\n"
+      "  --blind-save MS|never    a blind-pixel save is reported after MS ms (default 1500), "
+      "or never\n",
       MSG_KEYS_ENV, MSG_SEND_KEY, MSG_RECV_KEY);
 }
 
@@ -312,6 +317,18 @@ int main(int argc, char** argv) {
       options.root = argv[++i];
     } else if (arg == "--ui-control" && i + 1 < argc) {
       options.ui_control = argv[++i];
+    } else if (arg == "--blind-save" && i + 1 < argc) {
+      const std::string v = argv[++i];
+      char* end = nullptr;
+      const long ms = std::strtol(v.c_str(), &end, 10);
+      if (v == "never") {
+        options.blind_save_ms = -1;
+      } else if (end != v.c_str() && *end == '\0' && ms >= 0 && ms <= 600000) {
+        options.blind_save_ms = static_cast<int>(ms);
+      } else {
+        std::printf("devsim: --blind-save takes milliseconds (0..600000) or \"never\"\n");
+        return 2;
+      }
     } else if (arg == "--help" || arg == "-h") {
       usage();
       return 0;
@@ -396,6 +413,7 @@ int main(int argc, char** argv) {
       quit = true;
     }
   });
+  device.set_blind_save_delay(options.blind_save_ms);
 
   devsim::Actions actions{send, print, &device, [&quit] { quit = true; }};
   std::unique_ptr<devsim::Runner> runner;

@@ -173,6 +173,16 @@ std::optional<Command> parse_command(std::string_view line, std::string* error) 
     c.numbers[0] = static_cast<int>(at - form.choices.begin());
     return c;
   }
+  if (verb == "blind-save") {
+    int ms = -1;
+    if (nargs != 1 || (words[1] != "never" && (!number(words[1], &ms) || ms < 0))) {
+      *error = "\"blind-save\" needs milliseconds or \"never\"";
+      return std::nullopt;
+    }
+    c.op = Op::BLIND_SAVE;
+    c.numbers.push_back(ms);
+    return c;
+  }
   for (const Verb& form : VERBS) {
     if (verb != form.word) continue;
     if (static_cast<int>(nargs) < form.min_args || static_cast<int>(nargs) > form.max_args) {
@@ -286,6 +296,7 @@ void execute(const Command& c, const Actions& a) {
       if (!d.set_card(CARD_STATES[n[0]], &error)) a.print("devsim: " + error);
       break;
     }
+    case Op::BLIND_SAVE: d.set_blind_save_delay(n[0]); break;
     case Op::QUIT:
       if (a.quit) a.quit();
       break;

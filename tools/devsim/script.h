@@ -13,6 +13,7 @@
 //   upgrade [ok|no-firmware|fail-1|fail-2|fail-3]  plays a firmware upgrade with that outcome
 //   card ok|low|full                               fills the card to leave 400 / 150 MiB free
 //   schedule on|off                                periodic battery, compass and wind
+//   blind-save <ms>|never                          how long a blind-pixel save takes to report
 //   wait <ms>
 //   expect <decoded frame>                         the next frames from the UI hold one that
 //                                                  decodes to this text (blanks collapsed)
@@ -55,6 +56,7 @@ enum class Op {
   UPGRADE,
   CARD,
   SCHEDULE,
+  BLIND_SAVE,
   WAIT,
   EXPECT,
   EXPECT_HEX,

@@ -142,38 +142,41 @@ void Canvas::fill_rounded_coverage(const Rect& r, int radius, int inner_width, u
   radius = clamp_radius(r, radius);
   Rect inner = inset(r, inner_width);
   int inner_radius = clamp_radius(inner, radius - inner_width);
-  const float rf = static_cast<float>(radius);
-  const float irf = static_cast<float>(inner_radius);
+  const uint32_t full_coverage = mul255(255, alpha_);
   for (int y = d.y; y < d.bottom(); ++y) {
     uint32_t* p = target_->row(y);
     float cy = y + 0.5f;
-    // Rows in the straight middle of the shape skip the per-pixel coverage where its value is
-    // known: 1 everywhere in a fill, 0 in a ring's hole (the pixels of d are inside r).
-    if (cy >= r.y + rf && cy <= r.bottom() - rf) {
-      if (inner_width <= 0) {
-        const uint32_t full = mul255(255, alpha_);
-        for (int x = d.x; x < d.right(); ++x)
-          p[x] = blend(p[x], color, full);
-        continue;
+    // Pixels whose coverage needs no corner arithmetic. A rounded shape covers a pixel fully when
+    // the pixel lies between its corner columns, or on a row between its corner rows. For a
+    // border, a pixel the inner shape covers fully gets nothing: skip [skip0, skip1). For a fill,
+    // a fully covered pixel is blended at full coverage: [full0, full1).
+    int skip0 = 0;
+    int skip1 = 0;
+    int full0 = 0;
+    int full1 = 0;
+    if (inner_width > 0) {
+      if (!inner.empty() && y >= inner.y && y < inner.bottom()) {
+        const bool band = y >= inner.y + inner_radius && y < inner.bottom() - inner_radius;
+        skip0 = band ? inner.x : inner.x + inner_radius;
+        skip1 = band ? inner.right() : inner.right() - inner_radius;
       }
-      if (!inner.empty() && cy >= inner.y + irf && cy <= inner.bottom() - irf) {
-        const int hole_from = std::max(d.x, inner.x);
-        const int hole_to = std::min(d.right(), inner.right());
-        for (int x = d.x; x < d.right(); ++x) {
-          if (x == hole_from && hole_from < hole_to) {
-            x = hole_to - 1;
-            continue;
-          }
-          float cx = x + 0.5f;
-          float cov = rounded_coverage(r, rf, cx, cy) - rounded_coverage(inner, irf, cx, cy);
-          if (cov <= 0.0f) continue;
-          uint32_t c = static_cast<uint32_t>(std::lround(cov * 255.0f));
-          p[x] = blend(p[x], color, mul255(c, alpha_));
-        }
-        continue;
-      }
+    } else {
+      const bool band = y >= r.y + radius && y < r.bottom() - radius;
+      full0 = band ? r.x : r.x + radius;
+      full1 = band ? r.right() : r.right() - radius;
     }
     for (int x = d.x; x < d.right(); ++x) {
+      if (x >= skip0 && x < skip1) {
+        x = skip1 - 1;
+        continue;
+      }
+      if (x >= full0 && x < full1) {
+        const int end = std::min(full1, d.right());
+        for (; x < end; ++x)
+          p[x] = blend(p[x], color, full_coverage);
+        --x;
+        continue;
+      }
       float cx = x + 0.5f;
       float cov = rounded_coverage(r, static_cast<float>(radius), cx, cy);
       if (inner_width > 0 && cov > 0.0f) {
