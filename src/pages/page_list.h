@@ -21,13 +21,13 @@
   X(Zavo_laser_move)            \
   X(Zavo_range_move)            \
   X(Zavo_updata)                \
-  P(Zavo_tip_ballistic)         \
+  X(Zavo_tip_ballistic)         \
   P(Zavo_wind)                  \
-  P(Zavo_bullistic_lens)        \
-  P(Zavo_ballistic_bullet)      \
-  P(Zavo_ballistic_zeroweather) \
-  P(Zavo_ballistic_weather)     \
-  P(Zavo_ballistic_menu)        \
+  X(Zavo_bullistic_lens)        \
+  X(Zavo_ballistic_bullet)      \
+  X(Zavo_ballistic_zeroweather) \
+  X(Zavo_ballistic_weather)     \
+  X(Zavo_ballistic_menu)        \
   P(Zavo_Recoil_menu)           \
   X(Zavo_home_page)             \
   X(Zavo_SHUT_DOWN)             \

@@ -42,16 +42,6 @@ void putf(std::vector<uint8_t>& v, float f) {
   v.insert(v.end(), b, b + 4);
 }
 
-float getf(const uint8_t* p) {
-  float f;
-  std::memcpy(&f, p, 4);
-  return f;
-}
-
-int16_t get16(const uint8_t* p) {
-  return static_cast<int16_t>(p[0] | (p[1] << 8));
-}
-
 // Seconds of flight to `x` metres with v(x) = v0 exp(-k x).
 double flight_time(double k, double v0, double x) {
   if (k <= 0) return x / v0;
@@ -309,13 +299,6 @@ void Device::send_startup_records() {
   }
 }
 
-void Device::select_profile(int index) {
-  if (index < 0 || index > 4) return;
-  settings_.s8BallisticGroup = static_cast<char>(index);
-  send_(record_frame(BALLISTIC_PARM_midway, static_cast<uint8_t>(index), &profiles_[index],
-                     sizeof(profiles_[index])));
-}
-
 void Device::send_battery() {
   send_(battery_frame(battery_));
   // A slow discharge, never down to the shut-down level, unless the battery is fixed.
@@ -378,81 +361,6 @@ void Device::on_range(uint8_t what, uint8_t value) {
       break;
     default: ranging_continuous_ = false; break;
   }
-}
-
-void Device::on_ballistic(const Frame& f) {
-  const int index = f[3];
-  const int item = f[4];
-  const uint8_t* v = f.data() + 6;
-  Info_ballistics& p = profiles_[current_profile()];
-  bool changed = true;
-  switch (index) {
-    case BALLISTIC_OPEN_CALCU:
-      switch (item) {
-        case 0: profiles_[0].ballistics_sw = v[0]; break;
-        case 2: settings_.s8BallisticReticle = static_cast<char>(v[0]); break;
-        case 3: settings_.s8BallisticReticleColor = static_cast<char>(v[0]); break;
-        case 4:
-          if (v[0] < 5) settings_.s8BallisticGroup = static_cast<char>(v[0]);
-          break;
-        default: changed = false; break;
-      }
-      break;
-    case BALLISTIC_BULLET_INFO:
-      switch (item) {
-        case 0: p.gun.bullet.length = getf(v); break;
-        case 1: p.gun.bullet.diameter = getf(v); break;
-        case 2: p.gun.bullet.weight = getf(v); break;
-        case 3: p.gun.bullet.ballisticsCoef = getf(v); break;
-        case 4: p.gun.bullet.dragFunction = static_cast<int32_t>(getf(v)); break;
-        case 5: p.gun.bullet.velocity = getf(v); break;
-        default: changed = false; break;
-      }
-      break;
-    case BALLISTIC_TWIST_INFO:
-      if (item == 0) p.gun.riflingRange = getf(v);
-      if (item == 1) p.gun.direction = v[0] ? RIGHT : LEFT;
-      break;
-    case BALLISTIC_ZEROWEATHER_LENSOFFSET:
-      switch (item) {
-        case 0: p.gun.bullet.isOpenAtmosphere = v[0]; break;
-        case 1: p.gun.bullet.atmosphere.temperature = getf(v); break;
-        case 2: p.gun.bullet.atmosphere.barometer = getf(v); break;
-        case 3: p.gun.bullet.atmosphere.relative_humidity = getf(v); break;
-        case 4: p.gun.bullet.zeroOffsetUnit = v[0] ? MRAD : MOA; break;
-        case 5: p.gun.bullet.zeroOffsetVerticalMOA = getf(v); break;
-        case 6: p.gun.bullet.zeroOffsetHorizontalMOA = getf(v); break;
-        case 7: p.gun.bullet.zeroOffsetVerticalMRAD = getf(v); break;
-        case 8: p.gun.bullet.zeroOffsetHorizontalMRAD = getf(v); break;
-        default: changed = false; break;
-      }
-      break;
-    case BALLISTIC_WEATHER:
-      if (item == 0) p.atmosphere.temperature = getf(v);
-      if (item == 1) p.atmosphere.barometer = getf(v);
-      if (item == 2) p.atmosphere.relative_humidity = getf(v);
-      break;
-    case BALLISTIC_LENS_INFO:
-      if (item == 0) p.gun.scope.sightHeightOverBore = getf(v);
-      if (item == 1) {
-        p.gun.scope.zeroRange = get16(v);
-        p.gun.scope.zeroRange_yard = get16(v + 2);
-      }
-      break;
-    case BALLISTIC_WIND_INFO:
-      if (item == 0) p.wind.angle = getf(v);
-      if (item == 1) p.wind.speed = getf(v);
-      break;
-    case BALLISTIC_TARGET_INFO:
-      if (item == 0) {
-        p.target.range = get16(v);
-        p.target.range_yard = get16(v + 2);
-      }
-      if (item == 1) p.target.shootingAngle = getf(v);
-      break;
-    default: changed = false; break;
-  }
-  if (changed) maybe_solve();
 }
 
 void Device::on_tap(const Frame& f) {

@@ -266,8 +266,11 @@ void print_key_map() {
     std::printf("  %-3c %-16s %-24s %s\n", k.key, k.name, k.on_picture, k.in_menus);
   }
   std::printf(
-      "  :   a command line: \"battery 700\", \"distance 4500\", \"upgrade\", \"card full\",\n"
-      "      \"update-notice\", \"query\", \"quit\" ... (tools/devsim/script.h)\n"
+      "  :   a command line: \"battery 700\", \"distance 4500\", \"profile 2\" (a ballistic "
+      "profile\n"
+      "      loaded mid-way), \"upgrade\", \"card full\", \"update-notice\", \"query\", \"quit\" "
+      "...\n"
+      "      (tools/devsim/script.h)\n"
       "  Ctrl-C or Ctrl-D  quit\n");
   std::fflush(stdout);
 }

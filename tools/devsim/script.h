@@ -8,7 +8,7 @@
 //                                                  power, photo, function, range)
 //   battery <value> | battery-type <0|1> | compass <azimuth> <pitch> <cant> | wind <mm/s>
 //   wind-connect <0|1> | distance <decimetres>|fail | target <metres> | zoom <hundredths>
-//   query | boot | profile <0..4> | solution
+//   query | boot | profile <0..4> (a mid-way load of that profile) | solution
 //   update-notice | update-state <n> | update-result <n>
 //   upgrade [ok|no-firmware|fail-1|fail-2|fail-3]  plays a firmware upgrade with that outcome
 //   card ok|low|full                               fills the card to leave 400 / 150 MiB free
