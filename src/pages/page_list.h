@@ -15,28 +15,28 @@
 // its module is not written yet and pending_pages.cpp gives it a minimal init; writing the
 // module turns the P into an X.
 #define PAGE_LIST(X, P)         \
-  P(Zavo_Laser_menu)            \
-  P(Zavo_lrf_menu)              \
-  P(Zavo_PIP_menu)              \
+  X(Zavo_Laser_menu)            \
+  X(Zavo_lrf_menu)              \
+  X(Zavo_PIP_menu)              \
   X(Zavo_laser_move)            \
   X(Zavo_range_move)            \
   X(Zavo_updata)                \
   X(Zavo_tip_ballistic)         \
-  P(Zavo_wind)                  \
+  X(Zavo_wind)                  \
   X(Zavo_bullistic_lens)        \
   X(Zavo_ballistic_bullet)      \
   X(Zavo_ballistic_zeroweather) \
   X(Zavo_ballistic_weather)     \
   X(Zavo_ballistic_menu)        \
-  P(Zavo_Recoil_menu)           \
+  X(Zavo_Recoil_menu)           \
   X(Zavo_home_page)             \
   X(Zavo_SHUT_DOWN)             \
   X(Zavo_Init)                  \
   X(Boot_logo)                  \
   P(Zavo_file_video)            \
   P(Zavo_file_video_1)          \
-  P(Zavo_compass_menu)          \
-  P(Zavo_compass_1)             \
+  X(Zavo_compass_menu)          \
+  X(Zavo_compass_1)             \
   X(Zavo_pixel_save)            \
   X(Zavo_pixel_child)           \
   X(Zavo_reticle_zero)          \
@@ -46,11 +46,11 @@
   X(Zavo_reticle_menu)          \
   P(Zavo_file_image)            \
   P(Zavo_file_menu)             \
-  P(Zavo_Magnetic_declination)  \
-  P(Zavo_vertical_correction)   \
-  P(Zavo_level_correction)      \
+  X(Zavo_Magnetic_declination)  \
+  X(Zavo_vertical_correction)   \
+  X(Zavo_level_correction)      \
   X(Zavo_pixel_menu)            \
-  P(Zavo_Anemometer)            \
+  X(Zavo_Anemometer)            \
   X(Zavo_format_restart)        \
   X(Zavo_formatting)            \
   X(Zavo_Restoring)             \

@@ -309,7 +309,7 @@ void Device::send_compass() {
   azimuth_ = (azimuth_ + 7) % 360;
   pitch_ = static_cast<int>(std::lround(3 * std::sin(now_ms_ / 4000.0)));
   cant_ = static_cast<int>(std::lround(2 * std::cos(now_ms_ / 5000.0)));
-  send_(compass_frame(COMPASS_AZIMUTH_ANGLE, azimuth_));
+  send_(compass_frame(COMPASS_AZIMUTH_ANGLE, reported_azimuth()));
   send_(compass_frame(COMPASS_PITCH_ANGLE, pitch_));
   send_(compass_frame(COMPASS_SLANT_ANGLE, cant_));
 }
@@ -319,7 +319,7 @@ void Device::send_wind() {
   wind_mm_s_ += static_cast<int>((noise_ >> 16) % 401) - 200;
   if (wind_mm_s_ < 0) wind_mm_s_ = 0;
   if (wind_mm_s_ > 12000) wind_mm_s_ = 12000;
-  send_(wind_frame(wind_mm_s_));
+  send_(wind_frame(wind_reading()));
 }
 
 void Device::send_distance() {
@@ -420,6 +420,7 @@ void Device::on_frame(const Frame& f) {
     case 8: send_startup_records(); break;  // the UI is up
     case 0:
       if (cmd != 0) break;
+      on_accessory_basic(static_cast<uint8_t>(sub), f[6]);
       if (sub == BASIC_MENU_LEVEL) {
         menu_level_ = f[6];
         print_(std::string("device: the UI shows ") + (f[6] == 0 ? "the home screen" : "a menu"));
@@ -433,11 +434,13 @@ void Device::on_frame(const Frame& f) {
     case 16:
       if (cmd == SAVE_ALLPARAM) print_("device: all settings saved");
       break;
+    case 6: on_compass(f); break;
     case 1: on_infrared(f); break;
     case 22: on_reticle(f); break;
     case 24: on_blind(f); break;
     case 23: on_tap(f); break;
     case 27: on_ballistic(f); break;
+    case 28: on_recoil(f); break;
     default: break;
   }
 }
@@ -452,14 +455,17 @@ void Device::tick(uint64_t now_ms) {
       next_battery_ms_ = now_ms + BATTERY_PERIOD_MS;
     }
     if (now_ms >= next_compass_ms_) {
-      if (next_compass_ms_ != 0) send_compass();
+      // During a calibration turn the turn itself reports the angles.
+      if (next_compass_ms_ != 0 && !compass_calibrating()) send_compass();
       next_compass_ms_ = now_ms + COMPASS_PERIOD_MS;
     }
     if (now_ms >= next_wind_ms_) {
-      if (next_wind_ms_ != 0) send_wind();
+      // The wind meter reports while it is on and connected.
+      if (next_wind_ms_ != 0 && wind_connected_) send_wind();
       next_wind_ms_ = now_ms + WIND_PERIOD_MS;
     }
   }
+  tick_accessory();
   if (ranging_continuous_ && now_ms >= next_range_ms_) {
     next_range_ms_ = now_ms + RANGE_PERIOD_MS;
     send_distance();

@@ -87,6 +87,13 @@ class Device {
   // Plays a firmware upgrade: the start notice, then the states the UI's answers lead to.
   void start_upgrade(Upgrade outcome);
   bool rebooting() const { return rebooting_; }
+  // ---- accessories (device_accessory.cpp): compass calibration and declination, wind meter,
+  // recoil-activated video ----
+  // The recoil sensor fires: a type-28 frame when recoil video is on (else only a line).
+  void shot();
+  bool compass_calibrating() const { return calibration_turn_ >= 0; }
+  bool wind_meter_connected() const { return wind_connected_; }
+
   // ---- reticle alignment and blind pixels (device_reticle.cpp) ----
   // How long a blind-pixel save takes before the device reports it; negative: it never does.
   void set_blind_save_delay(int ms) { blind_save_delay_ms_ = ms; }
@@ -119,6 +126,15 @@ class Device {
   void later(uint64_t delay_ms, Frame frame, std::string note);
   int format_card();
   void factory_reset();
+  // Accessories (device_accessory.cpp).
+  void on_compass(const Frame& frame);
+  void on_accessory_basic(uint8_t index, uint8_t value);
+  void on_recoil(const Frame& frame);
+  void tick_accessory();
+  void finish_calibration_turn(bool stopped_by_ui);
+  int reported_azimuth() const;
+  int wind_reading();
+
   // device_reticle.cpp
   void on_reticle(const Frame& frame);
   void on_blind(const Frame& frame);
@@ -163,6 +179,18 @@ class Device {
     std::string note;
   };
   std::deque<Pending> pending_;  // frames of the upgrade, in time order
+  // Accessories: the turn the simulated user makes during a compass calibration (-1: none; 0
+  // level, 1 vertical), its step and the sectors it covered; the wind meter; recent wind samples.
+  int calibration_turn_ = -1;
+  int calibration_step_ = 0;
+  unsigned calibration_sectors_ = 0;
+  uint64_t next_calibration_ms_ = 0;
+  bool wind_meter_on_ = false;
+  bool wind_connected_ = false;
+  bool wind_averaging_ = false;
+  uint64_t wind_connect_at_ms_ = 0;
+  int wind_samples_[5] = {0, 0, 0, 0, 0};
+  int wind_sample_count_ = 0;
 
   bool playing_ = false;
   uint64_t play_frames_ = 0;

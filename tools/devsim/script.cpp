@@ -64,6 +64,7 @@ constexpr Verb VERBS[] = {
     {"update-notice", Op::UPDATE_NOTICE, 0, 0},
     {"update-state", Op::UPDATE_STATE, 1, 1},
     {"update-result", Op::UPDATE_RESULT, 1, 1},
+    {"shot", Op::SHOT, 0, 0},
     {"wait", Op::WAIT, 1, 1},
     {"timeout", Op::TIMEOUT, 1, 1},
     {"quit", Op::QUIT, 0, 0},
@@ -278,6 +279,7 @@ void execute(const Command& c, const Actions& a) {
     case Op::BOOT: d.send_startup_records(); break;
     case Op::PROFILE: d.select_profile(n[0]); break;
     case Op::SOLUTION: d.send_solution(); break;
+    case Op::SHOT: d.shot(); break;
     case Op::UPDATE_NOTICE: a.send(framedec::build(26, UPDATA_START_NOTICE, 0)); break;
     case Op::UPDATE_STATE: {
       const uint8_t v[1] = {static_cast<uint8_t>(n[0])};

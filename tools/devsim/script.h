@@ -12,6 +12,7 @@
 //   update-notice | update-state <n> | update-result <n>
 //   upgrade [ok|no-firmware|fail-1|fail-2|fail-3]  plays a firmware upgrade with that outcome
 //   card ok|low|full                               fills the card to leave 400 / 150 MiB free
+//   shot                                           the recoil sensor fires (recoil video on)
 //   schedule on|off                                periodic battery, compass and wind
 //   blind-save <ms>|never                          how long a blind-pixel save takes to report
 //   wait <ms>
@@ -55,6 +56,7 @@ enum class Op {
   UPDATE_RESULT,
   UPGRADE,
   CARD,
+  SHOT,
   SCHEDULE,
   BLIND_SAVE,
   WAIT,
