@@ -15,8 +15,8 @@
 
 #include "awtk.h"
 #include "common/device_path.h"
+#include "common/records_lock.h"
 #include "common/status_records.h"
-#include "pages/Zavo_home_page_1.h"
 
 using namespace msghandler_internal;
 
@@ -219,10 +219,9 @@ constexpr std::array<KeyRow, KEY_NULL_MAX> KEY_TABLE = {{
 
 void power_short_rule() {
   if (top_window_name() == HOME_WINDOW && u8(stUIStatus.s8InterfaceState) == INTERFACE_OBSERVE) {
-    // A recording runs when the flag says so or the home screen's recording clock ticks (the
-    // clock is read as one word; the UI thread writes it).
-    const int32_t clock_timer = __atomic_load_n(&record_status.timer_id, __ATOMIC_RELAXED);
-    if (u8(stUIStatus.s8RecordingState) == 1 || clock_timer != 0) {
+    // A recording runs: the observation screen keeps s8RecordingState at 1 exactly while its
+    // recording clock ticks.
+    if (u8(stUIStatus.s8RecordingState) == 1) {
       event_distrubution(EV_RECORD_TIP);
       return;
     }
@@ -467,7 +466,7 @@ void updata_func(const uint8_t* frame) {
           GUI_SEND_BLIND_MSG(BLIND_CURSOR_SWITCH);
         }
         Inf_LinkNavigate(UPDATA_WINDOW);
-        sleep_ms(1000);
+        records_sleep_ms(1000);
       } else {
         stUIStatus.s8Updata_check = 3;
         GUI_SEND_UPDATA_MSG(UPDATA_CHECK);

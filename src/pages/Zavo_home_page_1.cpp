@@ -9,6 +9,7 @@
 
 #include "common/common_function.h"
 #include "common/navigator.h"
+#include "common/records_lock.h"
 #include "common/status_records.h"
 #include "msg/msghandler.h"
 #include "pages/Zavo_home_page_1_overlay.h"
@@ -227,9 +228,10 @@ ret_t Zavo_home_page_1_init(widget_t* win, void* ctx) {
   stUIStatus.s16BatteryValue = 600;  // until the device reports
 
   // The screen must not draw stale settings: wait, without a time-out, until the device link
-  // has delivered the first full status.
+  // has delivered the first full status. The records are released while it sleeps, so that
+  // the listener can store them.
   while (stUIStatus.event_distrubut_reday == 0)
-    sleep_ms(100);
+    records_sleep_ms(100);
 
   // Forced whatever the device reported.
   stDevStatus.s8ReticleMenuSwitch = 1;

@@ -143,8 +143,9 @@ TEST_F(Outbound, EverySenderFramesTheFieldsItsIndexNames) {
        "18 04 00 00 02"},
       {each(GUI_SEND_GG_MSG, {0, 1, 2, 3}), "19 00 ff 00 00, 19 01 ff 00 00, 19 02 ff 00 00"},
       {each(GUI_SEND_UPDATA_MSG, {0, 1, 2, 3}), "aa 07 1a 01 ff 00 01 cc eb aa, 1a 02 ff 00 02"},
-      {each(GUI_SEND_RECOIL_MSG, {0, 1, 2, 3, 4, 5, 6, 7}),  // five raises, one pending event
-       "1c 00 ff 00 01, 1c 01 ff 00 05, 1c 02 ff 00 0a, 1c 03 ff 00 02, 1c 06 ff 00 01", {8250}},
+      {each(GUI_SEND_RECOIL_MSG, {0, 1, 2, 3, 4, 5, 6, 7}),  // one raise for each frame
+       "1c 00 ff 00 01, 1c 01 ff 00 05, 1c 02 ff 00 0a, 1c 03 ff 00 02, 1c 06 ff 00 01",
+       {8250, 8250, 8250, 8250, 8250}},
       {[] { GUI_SEND_DISTANCE_FUNCTION_MSG(1, 3); }, "aa 07 04 07 01 00 03 c0 eb aa"},
       {ballistic(0, {0, 1, 9}),
        "aa 0a 1b 00 00 00 01 00 00 00 d0 eb aa, 1b 00 01 00 01 00 00 00, 1b 00 09 00 00 00 00 00",
