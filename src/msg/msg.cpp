@@ -41,6 +41,16 @@ void store_callback(InfMsgEventCallback callback) {
   __atomic_store_n(&node.callback, callback, __ATOMIC_RELEASE);
 }
 
+// The queue identifiers are read by the listener and by senders on any thread while the link
+// may be closed on another: each is read and written as one word.
+int32_t load_id(const int32_t* id) {
+  return __atomic_load_n(id, __ATOMIC_ACQUIRE);
+}
+
+void store_id(int32_t* id, int32_t value) {
+  __atomic_store_n(id, value, __ATOMIC_RELEASE);
+}
+
 }  // namespace
 
 int32_t Inf_InitMsgEvent(InfMsgEventCallback callback) {
@@ -64,8 +74,8 @@ int32_t Inf_InitMsgEvent(InfMsgEventCallback callback) {
     return -1;
   }
 
-  node.smsgid = smsgid;
-  node.rmsgid = rmsgid;
+  store_id(&node.smsgid, smsgid);
+  store_id(&node.rmsgid, rmsgid);
   store_callback(callback);
 
   pthread_t thread;
@@ -96,7 +106,7 @@ int32_t Inf_SendMsgEvent(uint8_t type, uint8_t command, const uint8_t* data, int
   if (data != nullptr) std::memcpy(event.msg_text.context, data, static_cast<size_t>(length));
   std::memset(reinterpret_cast<uint8_t*>(&event.msg_text) + 2, 0, 2);  // padding
 
-  if (msgsnd(node.smsgid, &event, MSG_TEXT_SIZE, IPC_NOWAIT) < 0) {
+  if (msgsnd(load_id(&node.smsgid), &event, MSG_TEXT_SIZE, IPC_NOWAIT) < 0) {
     std::puts("[ERROR] send msg event failed!");
     return -1;
   }
@@ -105,10 +115,12 @@ int32_t Inf_SendMsgEvent(uint8_t type, uint8_t command, const uint8_t* data, int
 
 int32_t Inf_DeinitMsgEvent(void) {
   std::puts("<MsgEvent> deinit msg client event!");
-  if (node.smsgid != -1) msgctl(node.smsgid, IPC_RMID, nullptr);
-  if (node.rmsgid != -1) msgctl(node.rmsgid, IPC_RMID, nullptr);
-  node.smsgid = -1;
-  node.rmsgid = -1;
+  const int32_t smsgid = load_id(&node.smsgid);
+  const int32_t rmsgid = load_id(&node.rmsgid);
+  if (smsgid != -1) msgctl(smsgid, IPC_RMID, nullptr);
+  if (rmsgid != -1) msgctl(rmsgid, IPC_RMID, nullptr);
+  store_id(&node.smsgid, -1);
+  store_id(&node.rmsgid, -1);
   store_callback(nullptr);
   // A listener still waiting for the records goes through, finds no callback and stops with
   // its queue.
@@ -134,7 +146,7 @@ void* PthreadMsgEventListen(void* arg) {
   prctl(PR_SET_NAME, "MsgEventListen");
   listener_thread = true;
   Inf_MsgNode* self = static_cast<Inf_MsgNode*>(arg);
-  const int rmsgid = self->rmsgid;
+  const int rmsgid = load_id(&self->rmsgid);
 
   Inf_MsgEvent buffer;
   for (;;) {
