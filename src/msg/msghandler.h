@@ -13,6 +13,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <span>
 
 #include "msg/msg.h"
 
@@ -364,7 +365,14 @@ void Inf_LinkReset(void);
 
 // ---- inbound ----
 void msgEventCallback(Inf_MsgText* text, void* ctx);
+// Checks the frame, then dispatches it (uiOperationDispatch) unless its type is above 29.
 void uiOperationControl(uint8_t* frame, uint32_t length);
+// A checked frame as its handler sees it: bytes 0 .. L-1 (header, L, type, command, sub,
+// reserved, values), without the checksum and trailer.
+using FrameBytes = std::span<const uint8_t>;
+// Dispatches a checked frame to the handler of its type. The handler reads no byte beyond the
+// span: a frame too short for the values it reads is ignored with one line.
+void uiOperationDispatch(FrameBytes frame);
 int32_t Protocol_parse(const uint8_t* frame);
 uint8_t check_num(const uint8_t* bytes, int count);
 // Raises screen event `event` (8192 + offset) on the UI thread. Callable from any thread.

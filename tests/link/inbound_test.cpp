@@ -182,6 +182,72 @@ TEST_F(Inbound, EachFamilyStoresItsFieldsThenRaisesItsEvents) {
   EXPECT_EQ(std::memcmp(&before, &stUIStatus, sizeof(before)), 0);
 }
 
+TEST_F(Inbound, AFrameTooShortForItsValuesIsIgnoredWithOneLine) {
+  // Each handler checks that the frame carries the value bytes it reads: a short frame is named
+  // in one line and changes no record, raises no event and sends nothing.
+  stUIStatus.event_distrubut_reday = 1;
+  stUIStatus.u8VideoCurrentFrames = 300;
+  struct Short {
+    Frame frame;
+    const char* printed;
+  };
+  const Short cases[] = {
+      {frame(15, 0, BATTERY_VALUE, {0x15}),
+       "battery_func: frame type 15 command 0 sub 0 carries 1 of its 2 value bytes; ignored\n"},
+      {frame(15, 0, BATTERY_TYPE),
+       "battery_func: frame type 15 command 0 sub 1 carries 0 of its 1"},
+      {frame(6, 0, COMPASS_AZIMUTH_ANGLE, {0, 0x2c}),
+       "compass_func: frame type 6 command 0 sub 0 carries 2 of its 3 value bytes; ignored\n"},
+      {frame(4, 2, 0, {0, 0x30}),
+       "RabgeValueRefressh_func: frame type 4 command 2 sub 0 carries 2 of its 3"},
+      {frame(4, 2, 0), "RabgeValueRefressh_func: frame type 4 command 2 sub 0 carries 0 of its 1"},
+      {frame(0, 0, 38, {0x76}), "basic_func: frame type 0 command 0 sub 38 carries 1 of its 2"},
+      {frame(0, 0, 25), "basic_func: frame type 0 command 0 sub 25 carries 0 of its 1"},
+      {frame(1, 0, INFRARED_ZOOM, {0xc8}),
+       "IrInfo_func: frame type 1 command 0 sub 16 carries 1 of its 2"},
+      {frame(1, 0, INFRARED_BRIGHTLIGHT),
+       "IrInfo_func: frame type 1 command 0 sub 6 carries 0 of its 1"},
+      {frame(5, WIFI_CONNECT, 0), "wifi_func: frame type 5 command 7 sub 0 carries 0 of its 1"},
+      {frame(7, 0, 0), "key_message: frame type 7 command 0 sub 0 carries 0 of its 1"},
+      {frame(22, RETICLE_POSITION, 1, {5}),
+       "Reticle_PositionSet_func: frame type 22 command 3 sub 1 carries 1 of its 2"},
+      {frame(23, 0, TAP_PROCESS, {1, 2, 3, 4, 5, 6, 7}),
+       "tap_func: frame type 23 command 0 sub 2 carries 7 of its 8"},
+      {frame(23, 0, TAP_TOTAL_TIME, {1}),
+       "tap_func: frame type 23 command 0 sub 4 carries 1 of its 8"},
+      {frame(24, BLIND_SAVE, 0), "blind_func: frame type 24 command 3 sub 0 carries 0 of its 1"},
+      {frame(25, GG_GET, 0), "gg_func: frame type 25 command 1 sub 0 carries 0 of its 1"},
+      {frame(26, UPDATA_RESULT, 0),
+       "updata_func: frame type 26 command 1 sub 0 carries 0 of its 1"},
+      {frame(27, 0, 0, {0, 0, 0x80, 0x3f, 0, 0, 0}),
+       "ballistic_func: frame type 27 command 0 sub 0 carries 7 of its 8"},
+      {frame(29, 0, 0), "wind_info_func: frame type 29 command 0 sub 0 carries 0 of its 1"},
+  };
+  const Inf_DevStatus settings = stDevStatus;
+  const Inf_UIStatus status = stUIStatus;
+  const Result_ballistics result = result_ball;
+  for (const Short& c : cases) {
+    const std::string out = output_of([&] { deliver(c.frame); });
+    EXPECT_NE(out.find(c.printed), std::string::npos) << out;
+    EXPECT_EQ(out.find("; ignored\n"), out.rfind("; ignored\n")) << "one line: " << out;
+  }
+  EXPECT_EQ(std::memcmp(&settings, &stDevStatus, sizeof(settings)), 0);
+  EXPECT_EQ(std::memcmp(&status, &stUIStatus, sizeof(status)), 0);
+  EXPECT_EQ(std::memcmp(&result, &result_ball, sizeof(result)), 0);
+  EXPECT_TRUE(take_events().empty());
+  EXPECT_TRUE(keys().empty());
+  EXPECT_TRUE(sent_frames().empty());
+
+  // The total playing time without the optional rate (L = 14): the two bytes after the values
+  // are the checksum and 0xEB, never a rate.
+  const Frame total = {0xaa, 0x0e, 0x17, 0x00, 0x04, 0x00, 0x28, 0x23, 0x00,
+                       0x00, 0x00, 0x00, 0x00, 0x00, 0x1e, 0xeb, 0xaa};
+  deliver(total);
+  EXPECT_EQ(stUIStatus.u64VideoTotalFrames, 9000u);
+  EXPECT_EQ(stUIStatus.u8VideoCurrentFrames, 300) << "not 60190 read from the trailer";
+  EXPECT_EQ(take_events(), std::vector<int>{8206});
+}
+
 TEST_F(Inbound, WhichScreenQueryIsAnsweredWithTheMenuLevel) {
   open_window("Zavo_home_page_1");
   deliver(frame(0, 0, 39, {0}));
