@@ -11,7 +11,7 @@
 #include <string>
 #include <vector>
 
-#include "common/Zavo_reticle_zoom.h"
+#include "pages/Zavo_home_page_1_zoom.h"
 #include "page_fixture.h"
 #include "pages/Zavo_home_page_1.h"
 #include "pages/Zavo_home_page_1_overlay.h"

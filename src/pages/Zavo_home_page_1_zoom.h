@@ -1,4 +1,5 @@
-// Reticle colours and zoom geometry.
+// "Zavo_home_page_1": the observation screen's reticle colours and zoom geometry (only this
+// screen draws the reticles and marks these tables describe).
 //
 // The reticles of the observation screen are groups of plain views (2-pixel lines, rings, number
 // labels) inside "view_reticle_shoot", a 1680 x 1680 area centred on the cursor whose centre
@@ -10,8 +11,8 @@
 // its base geometry (the layout at zoom 1) and its zoom coefficients. The layout functions below
 // read it, and tools/reticle_layout writes the window's overlay region from it, so the layout file
 // and the zoom code cannot disagree.
-#ifndef SCOPE_COMMON_ZAVO_RETICLE_ZOOM_H
-#define SCOPE_COMMON_ZAVO_RETICLE_ZOOM_H
+#ifndef SCOPE_PAGES_ZAVO_HOME_PAGE_1_ZOOM_H
+#define SCOPE_PAGES_ZAVO_HOME_PAGE_1_ZOOM_H
 
 #include <array>
 #include <cstddef>
@@ -153,4 +154,4 @@ ret_t on_Zavo_ReticleShoot7_zoom(float m, widget_t* win);  // shape 7
 // The aim-point hold marks ("view_t4_*", "view_t5_*"), moved in double precision.
 ret_t on_Zavo_ballistic_zoom(float m, widget_t* win);
 
-#endif  // SCOPE_COMMON_ZAVO_RETICLE_ZOOM_H
+#endif  // SCOPE_PAGES_ZAVO_HOME_PAGE_1_ZOOM_H
