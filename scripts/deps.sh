@@ -8,7 +8,7 @@ packages=(
   libsdl2-dev libsdl2-image-dev libsdl2-ttf-dev
   libpugixml-dev libcjson-dev
   libgtest-dev libgmock-dev libbenchmark-dev
-  fonts-wqy-microhei                  # the "default" font: Latin, Cyrillic and Chinese
+  fonts-wqy-microhei                  # the font the build puts into res/: Latin, Cyrillic, Chinese
   librsvg2-bin                        # rsvg-convert, turns the SVG artwork into PNG
   clang-format
   ccache                              # compiler cache, used by the build when present

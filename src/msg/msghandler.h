@@ -125,7 +125,9 @@ typedef enum {
   BASIC_LASER_SWITCH = 22,
   BASIC_MICRO = 26,
   BASIC_REBOOT = 32,
+  BASIC_COMPASS_SWITCH = 33,  // s8CompassSwitch
   BASIC_WIND_SWITCH = 34,
+  BASIC_WIND_COUNT = 35,  // s8WindCountSwitch
   BASIC_RANGE_TYPE = 36,
   BASIC_MENU_LEVEL = 39,  // answer to the which-screen query: s8CurrentMenu
 } _BASIC_FUNCTION;

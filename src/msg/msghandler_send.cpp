@@ -153,6 +153,8 @@ int32_t GUI_SEND_BASIC_FUNCTION_MSG(uint8_t index) {
     case BASIC_VIDEO_MODE:
       event_distrubution(EV_RETICLE_SWITCH);
       event_distrubution(EV_ZOOM);
+      // The picture-in-picture mode decides the magnification too (3: shown at 1.00).
+      event_distrubution(EV_ZOOM_CHANGED);
       run_on_ui_thread(start_video_mode_timer);
       break;
     case BASIC_INFO_DISPLAY_MODE: send_basic(index, byte_of(stDevStatus.s8ConciseMode)); break;

@@ -15,42 +15,42 @@
 // its module is not written yet and pending_pages.cpp gives it a minimal init; writing the
 // module turns the P into an X.
 #define PAGE_LIST(X, P)         \
-  P(Zavo_Laser_menu)            \
-  P(Zavo_lrf_menu)              \
-  P(Zavo_PIP_menu)              \
-  P(Zavo_laser_move)            \
-  P(Zavo_range_move)            \
+  X(Zavo_Laser_menu)            \
+  X(Zavo_lrf_menu)              \
+  X(Zavo_PIP_menu)              \
+  X(Zavo_laser_move)            \
+  X(Zavo_range_move)            \
   P(Zavo_updata)                \
-  P(Zavo_tip_ballistic)         \
-  P(Zavo_wind)                  \
-  P(Zavo_bullistic_lens)        \
-  P(Zavo_ballistic_bullet)      \
-  P(Zavo_ballistic_zeroweather) \
-  P(Zavo_ballistic_weather)     \
-  P(Zavo_ballistic_menu)        \
-  P(Zavo_Recoil_menu)           \
+  X(Zavo_tip_ballistic)         \
+  X(Zavo_wind)                  \
+  X(Zavo_bullistic_lens)        \
+  X(Zavo_ballistic_bullet)      \
+  X(Zavo_ballistic_zeroweather) \
+  X(Zavo_ballistic_weather)     \
+  X(Zavo_ballistic_menu)        \
+  X(Zavo_Recoil_menu)           \
   X(Zavo_home_page)             \
   P(Zavo_SHUT_DOWN)             \
   X(Zavo_Init)                  \
   X(Boot_logo)                  \
   P(Zavo_file_video)            \
   P(Zavo_file_video_1)          \
-  P(Zavo_compass_menu)          \
-  P(Zavo_compass_1)             \
-  P(Zavo_pixel_save)            \
-  P(Zavo_pixel_child)           \
-  P(Zavo_reticle_zero)          \
+  X(Zavo_compass_menu)          \
+  X(Zavo_compass_1)             \
+  X(Zavo_pixel_save)            \
+  X(Zavo_pixel_child)           \
+  X(Zavo_reticle_zero)          \
   X(Zavo_home_page_1)           \
-  P(Zavo_reticle_move)          \
-  P(Zavo_reticle_zero_child)    \
-  P(Zavo_reticle_menu)          \
+  X(Zavo_reticle_move)          \
+  X(Zavo_reticle_zero_child)    \
+  X(Zavo_reticle_menu)          \
   P(Zavo_file_image)            \
   P(Zavo_file_menu)             \
-  P(Zavo_Magnetic_declination)  \
-  P(Zavo_vertical_correction)   \
-  P(Zavo_level_correction)      \
-  P(Zavo_pixel_menu)            \
-  P(Zavo_Anemometer)            \
+  X(Zavo_Magnetic_declination)  \
+  X(Zavo_vertical_correction)   \
+  X(Zavo_level_correction)      \
+  X(Zavo_pixel_menu)            \
+  X(Zavo_Anemometer)            \
   P(Zavo_format_restart)        \
   P(Zavo_formatting)            \
   P(Zavo_Restoring)             \
@@ -76,5 +76,9 @@ static_assert(PAGE_COUNT == 48);
 // Row of the first main menu to select when "Zavo_menu1" opens; the home screen sets it before
 // opening the menu.
 extern uint8_t Zavo_menu1_index;
+
+// Row of the reticle menu to focus when "Zavo_reticle_menu" opens (2, the reticle type); the main
+// menu sets it before opening the page.
+extern uint8_t Zavo_reticle_index;
 
 #endif  // SCOPE_PAGES_PAGE_LIST_H

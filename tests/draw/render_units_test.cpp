@@ -124,6 +124,40 @@ TEST_F(DrawText, AlignmentPlacesTheInkInItsBox) {
   EXPECT_NEAR(centre.y + centre.h / 2.0, 50.0, 4.0);
 }
 
+// A font size is the pixel height of the text from ascender to descender, as on the board (not a
+// point size): "---- yd" at 36 covers 77 x 30 pixels there, and a line exactly fills a box of its
+// size, so top and bottom alignment put the ink at the same place.
+TEST_F(DrawText, AFontSizeIsThePixelHeightOfTheText) {
+  Rect yd = ink("---- yd", ALIGN_H_LEFT, ALIGN_V_TOP, 36);
+  EXPECT_NEAR(yd.w, 77, 1);
+  EXPECT_NEAR(yd.h, 30, 1);
+  tk::draw::TextStyle ts;
+  for (int size : {18, 24, 28, 32, 36, 48}) {
+    Rect placed[2];
+    for (int i = 0; i < 2; ++i) {
+      Pixmap out(200, 100, kGround);
+      Canvas c(out);
+      ts.font_size = size;
+      ts.color = kWhite;
+      ts.align_v = i == 0 ? ALIGN_V_TOP : ALIGN_V_BOTTOM;
+      tk::draw::draw_text(c, {20, 20, 160, size}, "Hgjy", ts);
+      placed[i] = ink_box(out);
+    }
+    EXPECT_EQ(placed[0], placed[1]) << "font size " << size;
+    EXPECT_TRUE(!placed[0].empty() && placed[0].y >= 20 && placed[0].bottom() <= 20 + size)
+        << "font size " << size;
+  }
+  // The measured width is what the text covers, and grows with the size.
+  ts.font_size = 36;
+  const int w36 = tk::draw::text_width("---- yd", ts);
+  EXPECT_GE(w36, yd.w);
+  EXPECT_LE(w36, yd.w + 4);
+  ts.font_size = 72;
+  EXPECT_NEAR(tk::draw::text_width("---- yd", ts), 2 * w36, 3);
+  // The widest line of several.
+  EXPECT_EQ(tk::draw::text_width("-\n---- yd\n--", ts), tk::draw::text_width("---- yd", ts));
+}
+
 TEST(DrawImageFiles, PngJpegAndBmpAllDecode) {
   tk_testing_init();
   // A 16 x 8 picture: left half red, right half blue, saved in each format the board reads.

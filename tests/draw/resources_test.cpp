@@ -2,6 +2,7 @@
 // and the rest of the frame drawn as usual.
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <fstream>
 
 #include "draw/canvas.h"
@@ -60,22 +61,33 @@ TEST(DrawResources, MissingAndBrokenImagesAreNamedOnceAndDrawNothing) {
   EXPECT_EQ(tk_testing_pixel(19, 109), kBlue);
 }
 
-TEST(DrawResources, AMissingFontIsNamedOnceAndLabelsDrawNoText) {
+// Fonts come only from the resource tree, as on the board: a tree without fonts/default.ttf
+// draws no text even though the machine has fonts of its own.
+TEST(DrawResources, ATreeWithoutItsFontDrawsNoTextAndNamesTheFileOnce) {
+  const std::string tree = scratch_dir() + "/tree_without_fonts";
+  std::filesystem::create_directories(tree + "/assets/default/raw/styles");
+  std::filesystem::copy_file("res/assets/default/raw/styles/default.xml",
+                             tree + "/assets/default/raw/styles/default.xml",
+                             std::filesystem::copy_options::overwrite_existing);
   widget_t* win = open_draw_layout();
   ASSERT_NE(win, nullptr);
   tk_testing_capture_log(true);
-  tk_testing_set_system_font("/nonexistent/fonts/missing.ttc");
+  tk_testing_set_app_root(tree.c_str());
   repaint(win);
   widget_set_text_utf8(widget_lookup(win, "label", TRUE), "another text");
   tk_testing_advance(0);
-  EXPECT_EQ(log_lines_with("font \"default\" not found"), 1);
+  EXPECT_EQ(log_lines_with("font \"default\" not found: no " + tree +
+                           "/assets/default/raw/fonts/default.ttf"),
+            1);
+  EXPECT_EQ(tk_testing_font_file("default"), "");
+  EXPECT_EQ(tk_testing_text_width(widget_lookup(win, "label", TRUE)), -1);
   // The label's ground is drawn, its text is not; everything else is there.
   const uint32_t ground = make_color(0x20, 0x20, 0x20, 255);
   EXPECT_EQ(frame_pixels_not({220, 100, 300, 50}, ground), 0);
   EXPECT_EQ(tk_testing_pixel(30, 30), kRed);
   EXPECT_EQ(tk_testing_pixel(50, 230), make_color(0, 0, 255, 255));
-  // With the font back, the text comes back.
-  tk_testing_set_system_font(nullptr);
+  // With the tree's font back, the text comes back.
+  tk_testing_set_app_root("./res");
   widget_invalidate(widget_lookup(win, "label", TRUE), nullptr);
   tk_testing_advance(0);
   EXPECT_GT(frame_pixels_not({220, 100, 300, 50}, ground), 100);

@@ -150,6 +150,24 @@ std::vector<rect_t> tk_testing_take_dirty(void) {
   return tk::take_dirty();
 }
 
+uint32_t tk_testing_timer_count(void) {
+  uint32_t n = 0;
+  for (const auto& [id, t] : tk::g().timers)
+    n += t->removed ? 0 : 1;
+  return n;
+}
+
+uint32_t tk_testing_idle_count(void) {
+  uint32_t n = 0;
+  for (const auto& [id, i] : tk::g().idles)
+    n += i->removed ? 0 : 1;
+  return n;
+}
+
+uint32_t tk_testing_widget_count(void) {
+  return static_cast<uint32_t>(tk::g().live.size());
+}
+
 uint32_t tk_testing_queue_overflows(void) {
   return tk::g().queue_overflows.load();
 }

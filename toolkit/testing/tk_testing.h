@@ -97,6 +97,14 @@ rect_t tk_testing_screen_rect(widget_t* widget);
 // Dirty rectangles accumulated since the last paint or the last call (then cleared).
 std::vector<rect_t> tk_testing_take_dirty(void);
 
+/* ---- what is alive: leaks after a page closed ---- */
+
+// Timers not removed (widget timers included), idles not removed (the toolkit's own open, close
+// and burial idles included), widgets not yet freed (the window manager included).
+uint32_t tk_testing_timer_count(void);
+uint32_t tk_testing_idle_count(void);
+uint32_t tk_testing_widget_count(void);
+
 /* ---- the main-loop queue ---- */
 
 // Posts that failed because the queue (MAIN_LOOP_QUEUE_SIZE entries) was full.
@@ -137,13 +145,19 @@ bool tk_testing_compare_screenshot(const char* reference_png, int tolerance, std
 // The picture under all windows (stands in for the live video); NULL or "" for black.
 // RET_FAIL (with a log line, backdrop black) when the file cannot be read.
 ret_t tk_testing_set_backdrop(const char* png_path);
-// Uses another file as the system font behind "default" (NULL restores Debian's); lets tests
-// make the font go missing. Drops every opened font and rendered text.
-void tk_testing_set_system_font(const char* path);
+// The text a widget draws (label, button, ...), measured with the font it is drawn in: the width
+// in pixels of its widest line at its current style's font_name and font_size. 0 for empty text
+// or a widget that draws no text (window, image, progress bar); -1 when the font is missing.
+int tk_testing_text_width(widget_t* widget);
+// The width that text has: the widget's width less its style's left and right margins.
+int tk_testing_text_room(widget_t* widget);
+// The font file a font name is read from (fonts/<name>.ttf or .otf of the resource tree, else
+// the default font's); "" when there is none.
+std::string tk_testing_font_file(const char* font_name);
 // Drops decoded images and rendered text, and forgets which names were reported missing.
 void tk_testing_drop_draw_caches(void);
-// Part of tk_testing_reset: the system font restored, the caches dropped, the backdrop black
-// and the whole frame to be painted again.
+// Part of tk_testing_reset: decoded images dropped, the backdrop black and the whole frame to
+// be painted again.
 void tk_testing_reset_drawing(void);
 
 #endif /* TK_TESTING_H */

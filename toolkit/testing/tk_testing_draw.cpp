@@ -73,8 +73,20 @@ ret_t tk_testing_set_backdrop(const char* png_path) {
   return tk::draw::set_backdrop(png_path != nullptr ? png_path : "") ? RET_OK : RET_FAIL;
 }
 
-void tk_testing_set_system_font(const char* path) {
-  tk::draw::set_system_font(path != nullptr ? path : "");
+int tk_testing_text_width(widget_t* widget) {
+  tk::draw::WidgetText t;
+  if (!tk::draw::widget_text_layout(widget, t) || t.text.empty()) return 0;
+  return tk::draw::text_width(t.text, t.style);
+}
+
+int tk_testing_text_room(widget_t* widget) {
+  tk::draw::WidgetText t;
+  if (!tk::draw::widget_text_layout(widget, t)) return widget != nullptr ? widget->w : 0;
+  return t.box.w;
+}
+
+std::string tk_testing_font_file(const char* font_name) {
+  return tk::draw::font_file(font_name != nullptr ? font_name : "");
 }
 
 void tk_testing_drop_draw_caches(void) {
@@ -83,7 +95,6 @@ void tk_testing_drop_draw_caches(void) {
 }
 
 void tk_testing_reset_drawing(void) {
-  tk::draw::set_system_font("");
   tk::draw::image_cache_clear();
   if (tk::draw::screen().ready) {
     tk::draw::set_backdrop("");  // also marks the whole screen to be painted again

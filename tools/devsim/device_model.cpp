@@ -42,16 +42,6 @@ void putf(std::vector<uint8_t>& v, float f) {
   v.insert(v.end(), b, b + 4);
 }
 
-float getf(const uint8_t* p) {
-  float f;
-  std::memcpy(&f, p, 4);
-  return f;
-}
-
-int16_t get16(const uint8_t* p) {
-  return static_cast<int16_t>(p[0] | (p[1] << 8));
-}
-
 // Seconds of flight to `x` metres with v(x) = v0 exp(-k x).
 double flight_time(double k, double v0, double x) {
   if (k <= 0) return x / v0;
@@ -309,13 +299,6 @@ void Device::send_startup_records() {
   }
 }
 
-void Device::select_profile(int index) {
-  if (index < 0 || index > 4) return;
-  settings_.s8BallisticGroup = static_cast<char>(index);
-  send_(record_frame(BALLISTIC_PARM_midway, static_cast<uint8_t>(index), &profiles_[index],
-                     sizeof(profiles_[index])));
-}
-
 void Device::send_battery() {
   send_(battery_frame(battery_));
   if (battery_ > 600) battery_ -= 1;  // a slow discharge, never down to the shut-down level
@@ -325,7 +308,7 @@ void Device::send_compass() {
   azimuth_ = (azimuth_ + 7) % 360;
   pitch_ = static_cast<int>(std::lround(3 * std::sin(now_ms_ / 4000.0)));
   cant_ = static_cast<int>(std::lround(2 * std::cos(now_ms_ / 5000.0)));
-  send_(compass_frame(COMPASS_AZIMUTH_ANGLE, azimuth_));
+  send_(compass_frame(COMPASS_AZIMUTH_ANGLE, reported_azimuth()));
   send_(compass_frame(COMPASS_PITCH_ANGLE, pitch_));
   send_(compass_frame(COMPASS_SLANT_ANGLE, cant_));
 }
@@ -335,7 +318,7 @@ void Device::send_wind() {
   wind_mm_s_ += static_cast<int>((noise_ >> 16) % 401) - 200;
   if (wind_mm_s_ < 0) wind_mm_s_ = 0;
   if (wind_mm_s_ > 12000) wind_mm_s_ = 12000;
-  send_(wind_frame(wind_mm_s_));
+  send_(wind_frame(wind_reading()));
 }
 
 void Device::send_distance() {
@@ -377,81 +360,6 @@ void Device::on_range(uint8_t what, uint8_t value) {
       break;
     default: ranging_continuous_ = false; break;
   }
-}
-
-void Device::on_ballistic(const Frame& f) {
-  const int index = f[3];
-  const int item = f[4];
-  const uint8_t* v = f.data() + 6;
-  Info_ballistics& p = profiles_[current_profile()];
-  bool changed = true;
-  switch (index) {
-    case BALLISTIC_OPEN_CALCU:
-      switch (item) {
-        case 0: profiles_[0].ballistics_sw = v[0]; break;
-        case 2: settings_.s8BallisticReticle = static_cast<char>(v[0]); break;
-        case 3: settings_.s8BallisticReticleColor = static_cast<char>(v[0]); break;
-        case 4:
-          if (v[0] < 5) settings_.s8BallisticGroup = static_cast<char>(v[0]);
-          break;
-        default: changed = false; break;
-      }
-      break;
-    case BALLISTIC_BULLET_INFO:
-      switch (item) {
-        case 0: p.gun.bullet.length = getf(v); break;
-        case 1: p.gun.bullet.diameter = getf(v); break;
-        case 2: p.gun.bullet.weight = getf(v); break;
-        case 3: p.gun.bullet.ballisticsCoef = getf(v); break;
-        case 4: p.gun.bullet.dragFunction = static_cast<int32_t>(getf(v)); break;
-        case 5: p.gun.bullet.velocity = getf(v); break;
-        default: changed = false; break;
-      }
-      break;
-    case BALLISTIC_TWIST_INFO:
-      if (item == 0) p.gun.riflingRange = getf(v);
-      if (item == 1) p.gun.direction = v[0] ? RIGHT : LEFT;
-      break;
-    case BALLISTIC_ZEROWEATHER_LENSOFFSET:
-      switch (item) {
-        case 0: p.gun.bullet.isOpenAtmosphere = v[0]; break;
-        case 1: p.gun.bullet.atmosphere.temperature = getf(v); break;
-        case 2: p.gun.bullet.atmosphere.barometer = getf(v); break;
-        case 3: p.gun.bullet.atmosphere.relative_humidity = getf(v); break;
-        case 4: p.gun.bullet.zeroOffsetUnit = v[0] ? MRAD : MOA; break;
-        case 5: p.gun.bullet.zeroOffsetVerticalMOA = getf(v); break;
-        case 6: p.gun.bullet.zeroOffsetHorizontalMOA = getf(v); break;
-        case 7: p.gun.bullet.zeroOffsetVerticalMRAD = getf(v); break;
-        case 8: p.gun.bullet.zeroOffsetHorizontalMRAD = getf(v); break;
-        default: changed = false; break;
-      }
-      break;
-    case BALLISTIC_WEATHER:
-      if (item == 0) p.atmosphere.temperature = getf(v);
-      if (item == 1) p.atmosphere.barometer = getf(v);
-      if (item == 2) p.atmosphere.relative_humidity = getf(v);
-      break;
-    case BALLISTIC_LENS_INFO:
-      if (item == 0) p.gun.scope.sightHeightOverBore = getf(v);
-      if (item == 1) {
-        p.gun.scope.zeroRange = get16(v);
-        p.gun.scope.zeroRange_yard = get16(v + 2);
-      }
-      break;
-    case BALLISTIC_WIND_INFO:
-      if (item == 0) p.wind.angle = getf(v);
-      if (item == 1) p.wind.speed = getf(v);
-      break;
-    case BALLISTIC_TARGET_INFO:
-      if (item == 0) {
-        p.target.range = get16(v);
-        p.target.range_yard = get16(v + 2);
-      }
-      if (item == 1) p.target.shootingAngle = getf(v);
-      break;
-    default: changed = false; break;
-  }
-  if (changed) maybe_solve();
 }
 
 void Device::on_tap(const Frame& f) {
@@ -510,6 +418,7 @@ void Device::on_frame(const Frame& f) {
     case 8: send_startup_records(); break;  // the UI is up
     case 0:
       if (cmd != 0) break;
+      on_accessory_basic(static_cast<uint8_t>(sub), f[6]);
       if (sub == BASIC_MENU_LEVEL) {
         menu_level_ = f[6];
         print_(std::string("device: the UI shows ") + (f[6] == 0 ? "the home screen" : "a menu"));
@@ -523,28 +432,37 @@ void Device::on_frame(const Frame& f) {
     case 16:
       if (cmd == SAVE_ALLPARAM) print_("device: all settings saved");
       break;
+    case 6: on_compass(f); break;
+    case 1: on_infrared(f); break;
+    case 22: on_reticle(f); break;
+    case 24: on_blind(f); break;
     case 23: on_tap(f); break;
     case 27: on_ballistic(f); break;
+    case 28: on_recoil(f); break;
     default: break;
   }
 }
 
 void Device::tick(uint64_t now_ms) {
   now_ms_ = now_ms;
+  tick_reticle(now_ms);
   if (schedule_) {
     if (now_ms >= next_battery_ms_) {
       if (next_battery_ms_ != 0) send_battery();
       next_battery_ms_ = now_ms + BATTERY_PERIOD_MS;
     }
     if (now_ms >= next_compass_ms_) {
-      if (next_compass_ms_ != 0) send_compass();
+      // During a calibration turn the turn itself reports the angles.
+      if (next_compass_ms_ != 0 && !compass_calibrating()) send_compass();
       next_compass_ms_ = now_ms + COMPASS_PERIOD_MS;
     }
     if (now_ms >= next_wind_ms_) {
-      if (next_wind_ms_ != 0) send_wind();
+      // The wind meter reports while it is on and connected.
+      if (next_wind_ms_ != 0 && wind_connected_) send_wind();
       next_wind_ms_ = now_ms + WIND_PERIOD_MS;
     }
   }
+  tick_accessory();
   if (ranging_continuous_ && now_ms >= next_range_ms_) {
     next_range_ms_ = now_ms + RANGE_PERIOD_MS;
     send_distance();

@@ -70,6 +70,27 @@ class Device {
   void send_solution();
   void select_profile(int index);  // a profile load that makes `index` current
 
+  // ---- accessories (device_accessory.cpp): compass calibration and declination, wind meter,
+  // recoil-activated video ----
+  // The recoil sensor fires: a type-28 frame when recoil video is on (else only a line).
+  void shot();
+  bool compass_calibrating() const { return calibration_turn_ >= 0; }
+  bool wind_meter_connected() const { return wind_connected_; }
+
+  // ---- reticle alignment and blind pixels (device_reticle.cpp) ----
+  // How long a blind-pixel save takes before the device reports it; negative: it never does.
+  void set_blind_save_delay(int ms) { blind_save_delay_ms_ = ms; }
+  struct BlindCursor {
+    bool on;
+    int x, y;     // on the sensor, 640 x 512
+    int marked;   // pixels marked for repair since the last save
+    bool saving;  // a save waits to be reported
+  };
+  BlindCursor blind_cursor() const {
+    return {blind_on_, blind_x_, blind_y_, blind_marked_, blind_saving_};
+  }
+  bool frozen() const { return frozen_; }
+
   const Inf_DevStatus& settings() const { return settings_; }
   const Info_ballistics& profile(int index) const { return profiles_[index]; }
   int current_profile() const;
@@ -80,6 +101,20 @@ class Device {
   void on_range(uint8_t what, uint8_t value);
   void on_tap(const Frame& frame);
   void maybe_solve();
+  // Accessories (device_accessory.cpp).
+  void on_compass(const Frame& frame);
+  void on_accessory_basic(uint8_t index, uint8_t value);
+  void on_recoil(const Frame& frame);
+  void tick_accessory();
+  void finish_calibration_turn(bool stopped_by_ui);
+  int reported_azimuth() const;
+  int wind_reading();
+
+  // device_reticle.cpp
+  void on_reticle(const Frame& frame);
+  void on_blind(const Frame& frame);
+  void on_infrared(const Frame& frame);
+  void tick_reticle(uint64_t now_ms);
 
   Sender send_;
   Printer print_;
@@ -105,10 +140,33 @@ class Device {
   uint64_t next_range_ms_ = 0;
   int menu_level_ = -1;
 
+  // Accessories: the turn the simulated user makes during a compass calibration (-1: none; 0
+  // level, 1 vertical), its step and the sectors it covered; the wind meter; recent wind samples.
+  int calibration_turn_ = -1;
+  int calibration_step_ = 0;
+  unsigned calibration_sectors_ = 0;
+  uint64_t next_calibration_ms_ = 0;
+  bool wind_meter_on_ = false;
+  bool wind_connected_ = false;
+  bool wind_averaging_ = false;
+  uint64_t wind_connect_at_ms_ = 0;
+  int wind_samples_[5] = {0, 0, 0, 0, 0};
+  int wind_sample_count_ = 0;
+
   bool playing_ = false;
   uint64_t play_frames_ = 0;
   uint64_t play_total_ = 0;
   uint64_t next_play_ms_ = 0;
+
+  // reticle alignment and blind pixels
+  int blind_save_delay_ms_ = 1500;
+  bool blind_on_ = false;
+  int blind_x_ = 320;
+  int blind_y_ = 256;
+  int blind_marked_ = 0;
+  bool blind_saving_ = false;
+  uint64_t blind_save_at_ms_ = 0;
+  bool frozen_ = false;
 };
 
 }  // namespace devsim

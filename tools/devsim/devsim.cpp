@@ -9,6 +9,7 @@
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <ctime>
 
@@ -50,17 +51,20 @@ struct Options {
   bool schedule = true;
   bool remove_queues = false;
   std::string keys;
+  int blind_save_ms = 1500;  // negative: a blind-pixel save is never reported
 };
 
 void usage() {
   std::printf(
       "usage: devsim [--script FILE] [--no-schedule] [--remove-queues-on-exit] "
-      "[--keys SEND,RECV]\n"
+      "[--keys SEND,RECV] [--blind-save MS|never]\n"
       "  --script FILE            run a scenario (see tools/devsim/script.h), exit 0 on pass, 1 "
       "on failure\n"
       "  --no-schedule            no periodic battery, compass and wind readings\n"
       "  --remove-queues-on-exit  remove both message queues when leaving\n"
-      "  --keys SEND,RECV         queue keys (UI->device, device->UI); default $%s or %d,%d\n",
+      "  --keys SEND,RECV         queue keys (UI->device, device->UI); default $%s or %d,%d\n"
+      "  --blind-save MS|never    a blind-pixel save is reported after MS ms (default 1500), "
+      "or never\n",
       MSG_KEYS_ENV, MSG_SEND_KEY, MSG_RECV_KEY);
 }
 
@@ -153,7 +157,8 @@ void print_key_map() {
   }
   std::printf("  space  release every held button\n");
   std::printf(
-      "  :      a command line (\"battery 700\", \"distance 4500\", \"query\", \"boot\", "
+      "  :      a command line (\"battery 700\", \"distance 4500\", \"profile 2\" (a ballistic "
+      "profile loaded mid-way), \"query\", \"boot\", "
       "\"quit\", ... see tools/devsim/script.h)\n");
   std::printf("  Ctrl-C or Ctrl-D  quit\n");
   std::fflush(stdout);
@@ -174,6 +179,18 @@ int main(int argc, char** argv) {
       options.remove_queues = true;
     } else if (arg == "--keys" && i + 1 < argc) {
       options.keys = argv[++i];
+    } else if (arg == "--blind-save" && i + 1 < argc) {
+      const std::string v = argv[++i];
+      char* end = nullptr;
+      const long ms = std::strtol(v.c_str(), &end, 10);
+      if (v == "never") {
+        options.blind_save_ms = -1;
+      } else if (end != v.c_str() && *end == '\0' && ms >= 0 && ms <= 600000) {
+        options.blind_save_ms = static_cast<int>(ms);
+      } else {
+        std::printf("devsim: --blind-save takes milliseconds (0..600000) or \"never\"\n");
+        return 2;
+      }
     } else if (arg == "--help" || arg == "-h") {
       usage();
       return 0;
@@ -230,6 +247,7 @@ int main(int argc, char** argv) {
   };
   devsim::Device device(send, print);
   device.set_schedule(options.schedule);
+  device.set_blind_save_delay(options.blind_save_ms);
 
   devsim::Actions actions{send, print, &device, [&quit] { quit = true; }};
   std::unique_ptr<devsim::Runner> runner;

@@ -62,6 +62,7 @@ constexpr Verb VERBS[] = {
     {"update-notice", Op::UPDATE_NOTICE, 0, 0},
     {"update-state", Op::UPDATE_STATE, 1, 1},
     {"update-result", Op::UPDATE_RESULT, 1, 1},
+    {"shot", Op::SHOT, 0, 0},
     {"wait", Op::WAIT, 1, 1},
     {"timeout", Op::TIMEOUT, 1, 1},
     {"quit", Op::QUIT, 0, 0},
@@ -140,6 +141,16 @@ std::optional<Command> parse_command(std::string_view line, std::string* error) 
     }
     c.op = Op::SCHEDULE;
     c.numbers.push_back(words[1] == "on" ? 1 : 0);
+    return c;
+  }
+  if (verb == "blind-save") {
+    int ms = -1;
+    if (nargs != 1 || (words[1] != "never" && (!number(words[1], &ms) || ms < 0))) {
+      *error = "\"blind-save\" needs milliseconds or \"never\"";
+      return std::nullopt;
+    }
+    c.op = Op::BLIND_SAVE;
+    c.numbers.push_back(ms);
     return c;
   }
   for (const Verb& form : VERBS) {
@@ -237,6 +248,7 @@ void execute(const Command& c, const Actions& a) {
     case Op::BOOT: d.send_startup_records(); break;
     case Op::PROFILE: d.select_profile(n[0]); break;
     case Op::SOLUTION: d.send_solution(); break;
+    case Op::SHOT: d.shot(); break;
     case Op::UPDATE_NOTICE: a.send(framedec::build(26, UPDATA_START_NOTICE, 0)); break;
     case Op::UPDATE_STATE: {
       const uint8_t v[1] = {static_cast<uint8_t>(n[0])};
@@ -249,6 +261,7 @@ void execute(const Command& c, const Actions& a) {
       break;
     }
     case Op::SCHEDULE: d.set_schedule(n[0] != 0); break;
+    case Op::BLIND_SAVE: d.set_blind_save_delay(n[0]); break;
     case Op::QUIT:
       if (a.quit) a.quit();
       break;

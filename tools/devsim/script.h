@@ -8,9 +8,11 @@
 //                                                  power, photo, function, range)
 //   battery <value> | battery-type <0|1> | compass <azimuth> <pitch> <cant> | wind <mm/s>
 //   wind-connect <0|1> | distance <decimetres>|fail | target <metres> | zoom <hundredths>
-//   query | boot | profile <0..4> | solution
+//   query | boot | profile <0..4> (a mid-way load of that profile) | solution
 //   update-notice | update-state <n> | update-result <n>
+//   shot                                           the recoil sensor fires (recoil video on)
 //   schedule on|off                                periodic battery, compass and wind
+//   blind-save <ms>|never                          how long a blind-pixel save takes to report
 //   wait <ms>
 //   expect <decoded frame>                         the next frames from the UI hold one that
 //                                                  decodes to this text (blanks collapsed)
@@ -50,7 +52,9 @@ enum class Op {
   UPDATE_NOTICE,
   UPDATE_STATE,
   UPDATE_RESULT,
+  SHOT,
   SCHEDULE,
+  BLIND_SAVE,
   WAIT,
   EXPECT,
   EXPECT_HEX,

@@ -65,6 +65,8 @@ int page_gallery_main(int argc, char** argv, const char* program,
       failures++;
       continue;
     }
+    // The device's battery report after the screen is up (its init starts from a placeholder).
+    stUIStatus.s16BatteryValue = 780;
     home_scene_raise(SCREEN_EVT_BATTERY);
     if (shot.page != NULL && shot.page[0] != '\0') {
       navigator_to_with_context(shot.page, shot.ctx);

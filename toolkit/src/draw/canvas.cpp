@@ -54,6 +54,30 @@ uint32_t blend(uint32_t dst, uint32_t src, uint32_t coverage) {
                     ch(color_b(src), color_b(dst)), oa);
 }
 
+void blend_span(uint32_t* p, int n, uint32_t src, uint32_t coverage) {
+  const uint32_t sa = mul255(color_a(src), coverage);
+  if (sa == 0 || n <= 0) return;
+  if (sa == 255) {
+    std::fill_n(p, n, src);
+    return;
+  }
+  // The opaque-destination case of blend() with the source's share of each channel computed once.
+  const uint32_t inv = 255 - sa;
+  const uint32_t sr = color_r(src) * sa + 128;
+  const uint32_t sg = color_g(src) * sa + 128;
+  const uint32_t sb = color_b(src) * sa + 128;
+  auto ch = [inv](uint32_t s, uint32_t d) {
+    const uint32_t t = s + d * inv;
+    return static_cast<uint8_t>((t + (t >> 8)) >> 8);
+  };
+  for (int i = 0; i < n; ++i) {
+    const uint32_t d = p[i];
+    p[i] = color_a(d) == 255
+               ? make_color(ch(sr, color_r(d)), ch(sg, color_g(d)), ch(sb, color_b(d)), 255)
+               : blend(d, src, coverage);
+  }
+}
+
 Pixmap::Pixmap(int width, int height, uint32_t fill) {
   resize(width, height, fill);
 }
@@ -95,11 +119,8 @@ void Canvas::fill_rect(const Rect& r, uint32_t color) {
     clear(d, color);
     return;
   }
-  for (int y = d.y; y < d.bottom(); ++y) {
-    uint32_t* p = target_->row(y) + d.x;
-    for (int i = 0; i < d.w; ++i)
-      p[i] = blend(p[i], color, alpha_);
-  }
+  for (int y = d.y; y < d.bottom(); ++y)
+    blend_span(target_->row(y) + d.x, d.w, color, alpha_);
 }
 
 namespace {
@@ -142,12 +163,52 @@ void Canvas::fill_rounded_coverage(const Rect& r, int radius, int inner_width, u
   radius = clamp_radius(r, radius);
   Rect inner = inset(r, inner_width);
   int inner_radius = clamp_radius(inner, radius - inner_width);
+  // Pixels whose centre lies in a straight band (between the corners' rows or columns) are
+  // covered fully, so the coverage is computed only where a corner may cut a pixel. For a border,
+  // the pixels fully covered by the inner shape get nothing and are stepped over.
+  const int straight_x0 = r.x + radius;
+  const int straight_x1 = r.right() - radius;
+  const int straight_y0 = r.y + radius;
+  const int straight_y1 = r.bottom() - radius;
   for (int y = d.y; y < d.bottom(); ++y) {
     uint32_t* p = target_->row(y);
     float cy = y + 0.5f;
+    const bool straight_row = y >= straight_y0 && y < straight_y1;
+    int hole0 = 0;  // [hole0, hole1): inside the inner shape's straight parts on this row
+    int hole1 = 0;
+    if (inner_width > 0 && !inner.empty() && y >= inner.y && y < inner.bottom()) {
+      if (y >= inner.y + inner_radius && y < inner.bottom() - inner_radius) {
+        hole0 = inner.x;
+        hole1 = inner.right();
+      } else {
+        hole0 = inner.x + inner_radius;
+        hole1 = inner.right() - inner_radius;
+      }
+    }
+    if (inner_width == 0) {
+      // A fill: the straight part of the row in one span, the corner pixels one by one.
+      const int span0 = straight_row ? d.x : std::clamp(straight_x0, d.x, d.right());
+      const int span1 = straight_row ? d.right() : std::clamp(straight_x1, span0, d.right());
+      blend_span(p + span0, span1 - span0, color, alpha_);
+      for (int x = d.x; x < d.right(); ++x) {
+        if (x == span0) x = span1;
+        if (x >= d.right()) break;
+        float cov = rounded_coverage(r, static_cast<float>(radius), x + 0.5f, cy);
+        if (cov <= 0.0f) continue;
+        uint32_t c = static_cast<uint32_t>(std::lround(cov * 255.0f));
+        p[x] = blend(p[x], color, mul255(c, alpha_));
+      }
+      continue;
+    }
     for (int x = d.x; x < d.right(); ++x) {
+      if (x >= hole0 && x < hole1) {
+        x = hole1 - 1;
+        continue;
+      }
       float cx = x + 0.5f;
-      float cov = rounded_coverage(r, static_cast<float>(radius), cx, cy);
+      float cov = straight_row || (x >= straight_x0 && x < straight_x1)
+                      ? 1.0f
+                      : rounded_coverage(r, static_cast<float>(radius), cx, cy);
       if (inner_width > 0 && cov > 0.0f) {
         cov -= rounded_coverage(inner, static_cast<float>(inner_radius), cx, cy);
       }

@@ -58,6 +58,8 @@ constexpr uint32_t mul255(uint32_t x, uint32_t y) {
 
 // Source-over blend of `src` (straight alpha) scaled by `coverage` (0..255) onto `dst`.
 uint32_t blend(uint32_t dst, uint32_t src, uint32_t coverage);
+// blend() over `n` pixels from `p`, the same result pixel by pixel, with the per-colour work once.
+void blend_span(uint32_t* p, int n, uint32_t src, uint32_t coverage);
 
 // A picture of w x h colour words, rows top to bottom, no padding.
 struct Pixmap {

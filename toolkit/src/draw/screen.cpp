@@ -124,6 +124,12 @@ void draw_progress(Canvas& c, const widget_t* w, const Rect& r, int radius) {
   draw_text(c, content_box(w, r), text, text_style_of(w));
 }
 
+// Windows, images and progress bars draw no text of their own (a progress bar's is separate).
+bool draws_text(const char* kind) {
+  return !is_window_kind(kind) && !same(kind, WIDGET_TYPE_IMAGE) &&
+         !same(kind, WIDGET_TYPE_PROGRESS_BAR);
+}
+
 void draw_self(Canvas& c, const widget_t* w, const char* kind, const Rect& r) {
   int radius = style_int_or(w, "round_radius", 0);
   draw_background(c, w, r, radius);
@@ -134,7 +140,7 @@ void draw_self(Canvas& c, const widget_t* w, const char* kind, const Rect& r) {
     }
   } else if (same(kind, WIDGET_TYPE_PROGRESS_BAR)) {
     draw_progress(c, w, r, radius);
-  } else if (!is_window_kind(kind)) {
+  } else if (draws_text(kind)) {
     std::string text = text_utf8(w);
     if (!text.empty()) draw_text(c, content_box(w, r), text, text_style_of(w));
   }
@@ -183,6 +189,14 @@ bool window_covers(const widget_t* win, const Rect& area) {
 
 Screen& screen() {
   return s_screen;
+}
+
+bool widget_text_layout(const widget_t* w, WidgetText& out) {
+  if (w == nullptr || !draws_text(kind(w))) return false;
+  out.text = text_utf8(w);
+  out.box = content_box(w, Rect{0, 0, w->w, w->h});
+  out.style = text_style_of(w);
+  return true;
 }
 
 void screen_init(int w, int h) {

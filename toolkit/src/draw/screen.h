@@ -9,6 +9,7 @@
 
 #include "awtk.h"
 #include "draw/canvas.h"
+#include "draw/text.h"
 
 namespace tk::draw {
 
@@ -40,6 +41,16 @@ bool set_backdrop(const std::string& path);
 bool paint_pending();
 // Paints these rectangles (screen coordinates) from scratch: backdrop, then every window.
 void paint_rects(std::vector<Rect> rects);
+
+// What a widget draws as its own text: the text, the box it is aligned and clipped in (inside the
+// style's margins, relative to the widget) and the style of its current state.
+struct WidgetText {
+  std::string text;
+  Rect box;
+  TextStyle style;
+};
+// False for a widget that draws no text of its own (windows, images, progress bars).
+bool widget_text_layout(const widget_t* w, WidgetText& out);
 
 // Turns overlapping rectangles into their unions and clips them to `bounds`, so no pixel is
 // painted twice; many small rectangles collapse to their bounding box.

@@ -3,8 +3,8 @@
 #include "draw/text.h"
 
 #include <SDL_ttf.h>
-#include <unistd.h>
-
+#include <algorithm>
+#include <cmath>
 #include <map>
 #include <set>
 #include <unordered_map>
@@ -16,8 +16,11 @@ namespace tk::draw {
 
 namespace {
 
-// Debian's fonts-wqy-microhei: Latin, Cyrillic and Chinese in one face (a collection: face 0).
-constexpr const char* kSystemFont = "/usr/share/fonts/truetype/wqy/wqy-microhei.ttc";
+// A font_size is the pixel height from the top of the highest ascender to the bottom of the
+// lowest descender (ascent - descent), as on the board: the font is opened at the scale that
+// gives that height. The font's own ratio of that height to its em is read once per file
+// at this em size in pixels, where rounding is negligible.
+constexpr int kReferenceEm = 2048;
 
 // Rendered lines kept before the cache is emptied and refilled by what is on screen.
 constexpr size_t kMaxLines = 4096;
@@ -30,9 +33,9 @@ struct Line {
 struct TextState {
   bool ttf_tried = false;
   bool ttf_ok = false;
-  std::string system_font_override;
-  std::map<std::pair<std::string, int>, TTF_Font*> fonts;  // nullptr: failed to open
-  std::map<std::string, std::string, std::less<>> files;   // font name -> file ("" = none)
+  std::map<std::pair<std::string, int>, TTF_Font*> fonts;    // nullptr: failed to open
+  std::map<std::string, double, std::less<>> height_per_em;  // font file -> (ascent-descent)/em
+  std::map<std::string, std::string, std::less<>> files;     // asset dir + font name -> file
   std::set<std::string, std::less<>> reported;
   std::unordered_map<std::string, Line> lines;
   size_t mask_bytes = 0;
@@ -66,45 +69,73 @@ bool ttf_ready() {
   return s.ttf_ok;
 }
 
-const std::string& system_font() {
-  static const std::string builtin = kSystemFont;
-  const std::string& o = st().system_font_override;
-  return o.empty() ? builtin : o;
-}
-
-bool readable(const std::string& path) {
-  return !path.empty() && access(path.c_str(), R_OK) == 0;
-}
-
 void close_fonts() {
   TextState& s = st();
   for (auto& [key, font] : s.fonts) {
     if (font != nullptr) TTF_CloseFont(font);
   }
   s.fonts.clear();
+  s.height_per_em.clear();
   s.files.clear();
   s.lines.clear();
   s.mask_bytes = 0;
 }
 
-// The opened font for a name and pixel size; nullptr (reported once) when unavailable.
+// The name that stands behind every font name without a file of its own.
+std::string default_font_name() {
+  const system_info_t* info = system_info();
+  return info != nullptr && info->default_font != nullptr && *info->default_font != '\0'
+             ? info->default_font
+             : "default";
+}
+
+// The file's (ascent - descent) / em; 0 when the file cannot be opened (reported once).
+double height_per_em(const std::string& name, const std::string& file) {
+  TextState& s = st();
+  auto it = s.height_per_em.find(file);
+  if (it != s.height_per_em.end()) return it->second;
+  double ratio = 0;
+  if (TTF_Font* probe = TTF_OpenFontIndex(file.c_str(), kReferenceEm, 0)) {
+    ratio = static_cast<double>(TTF_FontHeight(probe)) / kReferenceEm;
+    TTF_CloseFont(probe);
+  }
+  if (ratio <= 0) {
+    report_once("open:" + file, "font \"" + name + "\": cannot open " + file + ": " +
+                                    TTF_GetError() + "; text is not drawn");
+  }
+  s.height_per_em.emplace(file, ratio);
+  return ratio;
+}
+
+// The opened font for a name at a pixel height; nullptr (reported once) when unavailable.
 TTF_Font* font_for(const std::string& name, int size, std::string& file) {
   if (!ttf_ready()) return nullptr;
   file = font_file(name);
   if (file.empty()) {
-    report_once("missing:" + name, "font \"" + name + "\" not found: no fonts/" + name +
-                                       ".ttf in the theme and no " + system_font() +
-                                       " (Debian package fonts-wqy-microhei); text is not drawn");
+    const std::string fonts = app_root() + "/assets/" + theme() + "/raw/fonts/";
+    report_once("missing:" + fonts + name, "font \"" + name + "\" not found: no " + fonts + name +
+                                               ".ttf (or .otf) and no " + default_font_name() +
+                                               ".ttf; text is not drawn");
     return nullptr;
   }
   TextState& s = st();
   auto key = std::make_pair(file, size);
   auto it = s.fonts.find(key);
   if (it != s.fonts.end()) return it->second;
-  TTF_Font* font = TTF_OpenFontIndex(file.c_str(), size, 0);
-  if (font == nullptr) {
-    report_once("open:" + file, "font \"" + name + "\": cannot open " + file + ": " +
-                                    TTF_GetError() + "; text is not drawn");
+  TTF_Font* font = nullptr;
+  if (double ratio = height_per_em(name, file); ratio > 0) {
+    // At 1 point the em is dpi / 72 pixels, so the resolution gives the em in 1/72 pixel steps;
+    // rounded down, so that the rounded-up line height is the size and not one more.
+    const double em = size / ratio;
+    const auto dpi = static_cast<unsigned>(std::floor(em * 72.0 + 1e-6));
+    font = TTF_OpenFontIndexDPI(file.c_str(), 1, 0, dpi, dpi);
+    if (font == nullptr) {
+      report_once("open:" + file, "font \"" + name + "\": cannot open " + file + ": " +
+                                      TTF_GetError() + "; text is not drawn");
+    } else {
+      // Vertical hinting only: widths stay unhinted, which gives the board's text extents.
+      TTF_SetFontHinting(font, TTF_HINTING_LIGHT);
+    }
   }
   s.fonts.emplace(key, font);
   return font;
@@ -170,26 +201,35 @@ std::vector<std::string_view> split_lines(std::string_view text) {
 
 std::string font_file(const std::string& name) {
   TextState& s = st();
-  auto it = s.files.find(name);
+  std::string key = app_root() + "/assets/" + theme() + '\0' + name;
+  auto it = s.files.find(key);
   if (it != s.files.end()) return it->second;
   std::string file = asset_path("fonts", name + ".ttf");
   if (file.empty()) file = asset_path("fonts", name + ".otf");
-  if (file.empty() && name != "default") file = font_file("default");
-  if (file.empty() && readable(system_font())) file = system_font();
-  s.files.emplace(name, file);
+  if (file.empty() && name != default_font_name()) file = font_file(default_font_name());
+  s.files.emplace(std::move(key), file);
   return file;
-}
-
-void set_system_font(const std::string& path) {
-  if (path == st().system_font_override) return;
-  close_fonts();
-  st().system_font_override = path;
-  st().reported.clear();
 }
 
 void text_cache_clear() {
   close_fonts();
   st().reported.clear();
+}
+
+int text_width(std::string_view text, const TextStyle& style) {
+  if (style.font_size <= 0) return -1;
+  std::string file;
+  TTF_Font* font = font_for(style.font_name, style.font_size, file);
+  if (font == nullptr) return -1;
+  int widest = 0;
+  for (auto line : split_lines(text)) {
+    if (line.empty()) continue;
+    int w = 0;
+    int h = 0;
+    std::string z(line);
+    if (TTF_SizeUTF8(font, z.c_str(), &w, &h) == 0) widest = std::max(widest, w);
+  }
+  return widest;
 }
 
 void draw_text(Canvas& c, const Rect& box, std::string_view text, const TextStyle& style) {

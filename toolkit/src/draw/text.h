@@ -1,5 +1,5 @@
-// Text: fonts by name through SDL2_ttf, rendered lines cached as coverage masks, drawn aligned
-// and clipped in a box.
+// Text: fonts by name from the resource tree through SDL2_ttf, scaled so that a font size is the
+// text's pixel height; rendered lines cached as coverage masks, drawn aligned and clipped in a box.
 #ifndef TK_DRAW_TEXT_H
 #define TK_DRAW_TEXT_H
 
@@ -24,13 +24,14 @@ struct TextStyle {
 // A font that cannot be found or opened is reported once; nothing is drawn for it.
 void draw_text(Canvas& c, const Rect& box, std::string_view text, const TextStyle& style);
 
-// The file the font `name` is read from: the theme's fonts/<name>.ttf or .otf; for "default"
-// (and any other name without a file) the system font; "" when none exists.
+// The file the font `name` is read from, as on the board: the theme's fonts/<name>.ttf or .otf
+// (then the "default" theme's); a name without a file falls back to the system's default font
+// name ("default"). "" when there is none: there is no fallback to fonts outside the tree.
 std::string font_file(const std::string& name);
 
-// Replaces the system font file used when the theme has no default.ttf ("" restores the
-// built-in choice). Drops every opened font and rendered text when the file changes.
-void set_system_font(const std::string& path);
+// Width in pixels of the widest line of `text` drawn in this style (what draw_text covers
+// horizontally); -1 when the font is missing (reported once, as for drawing).
+int text_width(std::string_view text, const TextStyle& style);
 
 // Closes every font and drops every rendered text (locale change, tests).
 void text_cache_clear();
