@@ -12,7 +12,12 @@
 #                           build's synthetic thermal scene)
 #   SCOPE_RUN_TMPFS=0       keep the media folder on the host disk (see below)
 #   SCOPE_MSG_KEYS=<s>,<r>  queue keys (default: a private pair for this run)
+#   SCOPE_DEVSIM_ARGS="..." more options for the simulator, e.g. "--battery 700 --card full"
 #   TK_HEADLESS=1           no window even with a display
+#
+# The simulator asks this script (through a control file) to restart the UI when the scope
+# restarts (after a format, a factory reset, a firmware upgrade) and ends the run when the scope
+# shuts down.
 #
 # The card: the UI reports the media folder's file system as the SD card, and a host disk of
 # 64 GiB or more reads as a card error. The media folder therefore goes on a 1 GiB tmpfs when
@@ -48,6 +53,7 @@ fi
 # From here on every exit, Ctrl-C included, stops both programs and removes the queues and the
 # tree; a second Ctrl-C cannot cut the clean-up short.
 tree=""
+control=""
 ui_pid=""
 sim_pid=""
 cleanup() {
@@ -61,6 +67,7 @@ cleanup() {
     umount "$tree/usrdata/media" 2>/dev/null || true
     rm -rf "$tree"
   fi
+  [ -z "$control" ] || rm -f "$control"
 }
 trap cleanup EXIT
 trap 'exit 130' INT
@@ -108,16 +115,32 @@ log=$build/inf_menu.log
 echo "device tree: $tree   queues: $SCOPE_MSG_KEYS"
 echo "scope UI output: $log (tail -f it in another terminal)"
 
-# The simulator reads this terminal; a background job would otherwise get /dev/null.
+# The simulator reads this terminal; a background job would otherwise get /dev/null. It writes
+# "reboot" or "shutdown" to the control file when the scope restarts or powers off.
+control=$(mktemp "${TMPDIR:-/tmp}/scope-ui-control.XXXXXX")
 exec 3<&0
-"$build/tools/devsim/devsim" --remove-queues-on-exit <&3 &
+# shellcheck disable=SC2086 # SCOPE_DEVSIM_ARGS is a list of options
+"$build/tools/devsim/devsim" --remove-queues-on-exit --ui-control "$control" \
+  ${SCOPE_DEVSIM_ARGS:-} <&3 &
 sim_pid=$!
 # inf_menu writes its output line by line, so the log follows the run.
-"$build/src/inf_menu" >"$log" 2>&1 </dev/null &
-ui_pid=$!
+: >"$log"
+start_ui() {
+  "$build/src/inf_menu" >>"$log" 2>&1 </dev/null &
+  ui_pid=$!
+}
+start_ui
 
-# Whichever ends first ends the run.
+# Whichever ends first ends the run; a restart of the scope restarts the UI on the same tree.
 while kill -0 "$ui_pid" 2>/dev/null && kill -0 "$sim_pid" 2>/dev/null; do
+  if grep -q '^reboot$' "$control" 2>/dev/null; then
+    : >"$control"
+    kill "$ui_pid" 2>/dev/null || true
+    wait "$ui_pid" 2>/dev/null || true
+    echo "----- the scope restarts -----" >>"$log"
+    start_ui
+    echo "scope UI restarted (the scope restarts)"
+  fi
   sleep 0.2
 done
 if ! kill -0 "$ui_pid" 2>/dev/null; then
@@ -130,6 +153,8 @@ if ! kill -0 "$ui_pid" 2>/dev/null; then
     tail -n 15 "$log"
     exit "$status"
   fi
+elif grep -q '^shutdown$' "$control" 2>/dev/null; then
+  echo "the scope shut down; stopping the scope UI"
 else
   echo "device simulator ended; stopping the scope UI"
 fi

@@ -28,6 +28,7 @@ constexpr const char* HOME_WINDOW = "Zavo_home_page_1";
 constexpr const char* UPDATA_WINDOW = "Zavo_updata";
 constexpr const char* SHUT_DOWN_WINDOW = "Zavo_SHUT_DOWN";
 constexpr const char* TIP_BALLISTIC_WINDOW = "Zavo_tip_ballistic";
+constexpr const char* USB_WINDOW = "Zavo_USB";
 constexpr const char* FIRST_LANGUAGE_FILE = "/usrdata/release/first_language.txt";
 
 constexpr int RANGE_MEASURING = 3;  // s8RangeMode while continuous measuring runs
@@ -348,6 +349,12 @@ void battery_func(FrameBytes f) {
       if (is_ready()) {
         event_distrubution(EV_BATTERY_TYPE);
         event_distrubution(EV_BATTERY);
+      }
+      // USB power (a computer) while the scope is in USB mode 1: the USB screen shows until the
+      // connection ends (it closes itself then).
+      if (u8(stUIStatus.s8BatteryType) == 1 && u8(stUIStatus.s8UsbMode) == 1 &&
+          top_window_name() != USB_WINDOW) {
+        Inf_LinkNavigate(USB_WINDOW);
       }
       break;
     default: break;

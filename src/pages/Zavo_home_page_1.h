@@ -31,6 +31,9 @@ extern record record_status;
 // Battery percentage of the last battery refresh, 0..100, for other readers (the page shows an
 // icon only).
 extern int16_t percent_battery;
+// Id of the recoil-video (RAV) blink timer while it runs, else 0. Written by the observation
+// screen only; the menus and the shut-down countdown read it.
+extern uint32_t timer_id_RAV;
 
 ret_t Zavo_home_page_1_init(widget_t* win, void* ctx);
 

@@ -18,13 +18,15 @@
 
 record record_status;
 int16_t percent_battery;
+// The recoil-video blink; the menus read it (a blink in progress refuses the file browser and
+// makes the shut-down stop the recoil recording first).
+uint32_t timer_id_RAV;
 
 namespace {
 
 uint32_t timer_id_range_1;      // range-finder-off tip
 uint32_t timer_id_range_2;      // battery-too-low-for-the-range-finder tip
 uint32_t timer_id_record_1;     // recording tip
-uint32_t timer_id_RAV;          // recoil video blink
 uint32_t timer_id_image_wind;   // wind meter blink
 uint32_t timer_id_temp_remind;  // over-temperature blink
 int16_t Rav_count;              // RAV blink ticks

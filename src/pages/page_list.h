@@ -20,7 +20,7 @@
   X(Zavo_PIP_menu)              \
   X(Zavo_laser_move)            \
   X(Zavo_range_move)            \
-  P(Zavo_updata)                \
+  X(Zavo_updata)                \
   X(Zavo_tip_ballistic)         \
   X(Zavo_wind)                  \
   X(Zavo_bullistic_lens)        \
@@ -30,7 +30,7 @@
   X(Zavo_ballistic_menu)        \
   X(Zavo_Recoil_menu)           \
   X(Zavo_home_page)             \
-  P(Zavo_SHUT_DOWN)             \
+  X(Zavo_SHUT_DOWN)             \
   X(Zavo_Init)                  \
   X(Boot_logo)                  \
   P(Zavo_file_video)            \
@@ -51,18 +51,18 @@
   X(Zavo_level_correction)      \
   X(Zavo_pixel_menu)            \
   X(Zavo_Anemometer)            \
-  P(Zavo_format_restart)        \
-  P(Zavo_formatting)            \
-  P(Zavo_Restoring)             \
-  P(Zavo_SDcard)                \
-  P(Zavo_Info)                  \
-  P(Zavo_USB)                   \
-  P(Zavo_Reset)                 \
-  P(Zavo_DataTime)              \
-  P(Zavo_Settings)              \
-  P(Zavo_menu2)                 \
-  P(Zavo_menu1)                 \
-  P(Zavo_shortcut_menu)
+  X(Zavo_format_restart)        \
+  X(Zavo_formatting)            \
+  X(Zavo_Restoring)             \
+  X(Zavo_SDcard)                \
+  X(Zavo_Info)                  \
+  X(Zavo_USB)                   \
+  X(Zavo_Reset)                 \
+  X(Zavo_DataTime)              \
+  X(Zavo_Settings)              \
+  X(Zavo_menu2)                 \
+  X(Zavo_menu1)                 \
+  X(Zavo_shortcut_menu)
 
 #define PAGE_INIT_DECLARATION(name) ret_t name##_init(widget_t* win, void* ctx);
 PAGE_LIST(PAGE_INIT_DECLARATION, PAGE_INIT_DECLARATION)

@@ -27,6 +27,3 @@ ret_t visit_nothing(void* ctx, const void* iter) {
 PAGE_LIST(OWN_MODULE, PENDING_PAGE_INIT)
 #undef OWN_MODULE
 #undef PENDING_PAGE_INIT
-
-// Set by the home screen before it opens "Zavo_menu1"; it moves with that page's module.
-uint8_t Zavo_menu1_index = 0;

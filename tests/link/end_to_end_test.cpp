@@ -26,8 +26,8 @@ class EndToEnd : public LinkTest {
   int run_devsim(const std::string& script, std::string* log, F&& then) {
     std::ofstream(root_ + "/scenario.txt") << script;
     const std::string command = std::string("timeout 30 ") + DEVSIM_PATH +
-                                " --no-schedule --script " + root_ + "/scenario.txt > " + root_ +
-                                "/devsim.log 2>&1 < /dev/null";
+                                " --no-schedule --trace --script " + root_ + "/scenario.txt > " +
+                                root_ + "/devsim.log 2>&1 < /dev/null";
     std::atomic<bool> done{false};
     int status = -1;
     std::thread devsim([&] {

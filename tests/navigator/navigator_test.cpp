@@ -85,8 +85,10 @@ TEST_F(Navigator, MissingTargetsAndWindowsAreRefusedWithTheirLines) {
 }
 
 TEST_F(Navigator, PagesOpenWithTheirInitAndSingleInstancePagesStartOver) {
+  // The page's own init runs on the test layout after the navigator's line (its widgets are not
+  // there; a debug toolkit says so).
   std::string out = printed_by([] { EXPECT_EQ(settled(navigator_to("Zavo_Settings")), RET_OK); });
-  EXPECT_EQ(out, "name  =============Zavo_Settings\n");
+  EXPECT_EQ(out.rfind("name  =============Zavo_Settings\n", 0), 0u) << out;
   out = printed_by([] { EXPECT_EQ(settled(navigator_to("outside_table")), RET_OK); });
   EXPECT_EQ(out, "");  // no init outside the table
   EXPECT_EQ(settled(navigator_to("Zavo_Settings")), RET_OK);
@@ -95,7 +97,8 @@ TEST_F(Navigator, PagesOpenWithTheirInitAndSingleInstancePagesStartOver) {
   ASSERT_EQ(settled(navigator_to("Zavo_Info")), RET_OK);
   widget_set_prop_str(widget_child(window_manager(), "Zavo_Info"), "opened", "first");
   out = printed_by([] { EXPECT_EQ(settled(navigator_to("Zavo_Info")), RET_OK); });
-  EXPECT_EQ(out, "name  =============Zavo_Info\n");  // the init ran again
+  // The init ran again (the page's own lines may follow the navigator's).
+  EXPECT_EQ(out.rfind("name  =============Zavo_Info\n", 0), 0u) << out;
   EXPECT_EQ(tk_testing_window_names(),
             (names{"Zavo_Settings", "outside_table", "Zavo_Settings", "Zavo_Info"}));
   EXPECT_STREQ(widget_get_prop_str(widget_child(window_manager(), "Zavo_Info"), "opened", "new"),

@@ -173,9 +173,9 @@ TEST_F(MenuTest, ZeroExitBackAndHomeLeaveTheMenu) {
     Names frames;
   } cases[] = {
       {5, GUI_KEY_FUCTION_S, {"Zavo_home_page_1", "Zavo_reticle_move"}, {}},
-      // "Zavo_menu1" is another page's: until its layout exists the navigator refuses it.
-      {6, GUI_KEY_FUCTION_S, {"Zavo_home_page_1"}, {"PARAM SAVE_ALLPARAM"}},
-      {3, GUI_KEY_FUCTION_L, {"Zavo_home_page_1"}, {}},
+      // Exit and the long function key go back to the first half of the main menu.
+      {6, GUI_KEY_FUCTION_S, {"Zavo_home_page_1", "Zavo_menu1"}, {"PARAM SAVE_ALLPARAM"}},
+      {3, GUI_KEY_FUCTION_L, {"Zavo_home_page_1", "Zavo_menu1"}, {}},
       {3, GUI_KEY_POWER_S, {"Zavo_home_page_1"}, {}},
   };
   for (const Case& c : cases) {

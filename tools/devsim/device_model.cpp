@@ -301,7 +301,8 @@ void Device::send_startup_records() {
 
 void Device::send_battery() {
   send_(battery_frame(battery_));
-  if (battery_ > 600) battery_ -= 1;  // a slow discharge, never down to the shut-down level
+  // A slow discharge, never down to the shut-down level, unless the battery is fixed.
+  if (battery_ > 600 && !battery_fixed_) battery_ -= 1;
 }
 
 void Device::send_compass() {
@@ -411,6 +412,7 @@ void Device::on_tap(const Frame& f) {
 
 void Device::on_frame(const Frame& f) {
   if (framedec::check(f) != framedec::FrameError::OK) return;
+  on_system_frame(f);
   const int type = f[2];
   const int cmd = f[3];
   const int sub = f[4];
@@ -445,8 +447,9 @@ void Device::on_frame(const Frame& f) {
 
 void Device::tick(uint64_t now_ms) {
   now_ms_ = now_ms;
+  tick_system();
   tick_reticle(now_ms);
-  if (schedule_) {
+  if (schedule_ && !rebooting_) {
     if (now_ms >= next_battery_ms_) {
       if (next_battery_ms_ != 0) send_battery();
       next_battery_ms_ = now_ms + BATTERY_PERIOD_MS;

@@ -7,6 +7,7 @@
 #define SCOPE_TOOLS_DEVSIM_DEVICE_MODEL_H
 
 #include <cstdint>
+#include <deque>
 #include <functional>
 #include <string>
 #include <vector>
@@ -70,6 +71,22 @@ class Device {
   void send_solution();
   void select_profile(int index);  // a profile load that makes `index` current
 
+  // ---- system pages: settings kept, card, factory reset, restart, shut-down, firmware upgrade
+  // (device_menus.cpp) ----
+  enum class System { REBOOT, SHUT_DOWN };  // what the scope's power does when asked
+  enum class Upgrade { OK, NO_FIRMWARE, FAIL_STEP_1, FAIL_STEP_2, FAIL_STEP_3 };
+  // Called when the scope restarts (the UI with it) or powers off.
+  void set_system_hook(std::function<void(System)> hook) { system_hook_ = std::move(hook); }
+  // The device tree standing in for the scope's root: formatting empties its usrdata/media.
+  void set_root(const std::string& root) { root_ = root; }
+  // The battery stays at `value` (no slow discharge).
+  void set_fixed_battery(int value);
+  // Fills the card (usrdata/media) to leave 150 MiB ("full": the UI's card-full rule) or
+  // 400 MiB ("low") free, or removes the filling ("ok"). False with a reason when it cannot.
+  bool set_card(const std::string& state, std::string* error);
+  // Plays a firmware upgrade: the start notice, then the states the UI's answers lead to.
+  void start_upgrade(Upgrade outcome);
+  bool rebooting() const { return rebooting_; }
   // ---- accessories (device_accessory.cpp): compass calibration and declination, wind meter,
   // recoil-activated video ----
   // The recoil sensor fires: a type-28 frame when recoil video is on (else only a line).
@@ -101,6 +118,14 @@ class Device {
   void on_range(uint8_t what, uint8_t value);
   void on_tap(const Frame& frame);
   void maybe_solve();
+  // device_menus.cpp
+  void on_system_frame(const Frame& frame);
+  void tick_system();
+  void on_upgrade_answer(uint8_t command, uint8_t value);
+  void restart_later();
+  void later(uint64_t delay_ms, Frame frame, std::string note);
+  int format_card();
+  void factory_reset();
   // Accessories (device_accessory.cpp).
   void on_compass(const Frame& frame);
   void on_accessory_basic(uint8_t index, uint8_t value);
@@ -140,6 +165,20 @@ class Device {
   uint64_t next_range_ms_ = 0;
   int menu_level_ = -1;
 
+  // device_menus.cpp
+  std::function<void(System)> system_hook_;
+  std::string root_;
+  bool battery_fixed_ = false;
+  bool rebooting_ = false;      // the UI restarts: nothing is sent until it is ready again
+  uint64_t restart_at_ms_ = 0;  // a restart asked for, 0 = none
+  bool upgrading_ = false;
+  Upgrade upgrade_ = Upgrade::OK;
+  struct Pending {
+    uint64_t at_ms;
+    Frame frame;
+    std::string note;
+  };
+  std::deque<Pending> pending_;  // frames of the upgrade, in time order
   // Accessories: the turn the simulated user makes during a compass calibration (-1: none; 0
   // level, 1 vertical), its step and the sectors it covered; the wind meter; recent wind samples.
   int calibration_turn_ = -1;

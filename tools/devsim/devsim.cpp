@@ -3,9 +3,12 @@
 //
 // It creates the queues, answers the UI's ready frame with the start-up records, sends sensor
 // readings on a schedule, answers range, ballistic, video-length and screen queries, turns
-// terminal keys into the scope's buttons and prints every frame it receives, decoded and in hex.
-// With --script it runs a scenario and exits 0 when every expectation held, 1 at the first that
-// did not (2 for a usage or setup error).
+// terminal keys into the scope's buttons and prints every frame the UI sends, decoded, with the
+// device's own events; the live readings it sends (battery, compass, wind, range, playback) show
+// in one status line updated in place (--trace prints every frame both ways, in hex too). The
+// scope's restart and power-off are handed to the program that runs both (--ui-control). With
+// --script it runs a scenario and exits 0 when every expectation held, 1 at the first that did
+// not (2 for a usage or setup error).
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
@@ -20,6 +23,8 @@
 #include <unistd.h>
 
 #include <chrono>
+#include <cstdlib>
+#include <fstream>
 #include <memory>
 #include <optional>
 #include <set>
@@ -51,18 +56,33 @@ struct Options {
   bool schedule = true;
   bool remove_queues = false;
   std::string keys;
+  bool trace = false;
+  int battery = -1;          // fixed battery level, -1: the slow discharge
+  std::string card;          // ok, low or full
+  std::string root;          // the device tree (default $SCOPE_UI_ROOT)
+  std::string ui_control;    // where the scope's restart and power-off are asked for
   int blind_save_ms = 1500;  // negative: a blind-pixel save is never reported
 };
 
 void usage() {
   std::printf(
       "usage: devsim [--script FILE] [--no-schedule] [--remove-queues-on-exit] "
-      "[--keys SEND,RECV] [--blind-save MS|never]\n"
+      "[--keys SEND,RECV] [--trace]\n"
+      "              [--battery N] [--card ok|low|full] [--root DIR] [--ui-control FILE]\n"
+      "              [--blind-save MS|never]\n"
       "  --script FILE            run a scenario (see tools/devsim/script.h), exit 0 on pass, 1 "
       "on failure\n"
       "  --no-schedule            no periodic battery, compass and wind readings\n"
       "  --remove-queues-on-exit  remove both message queues when leaving\n"
       "  --keys SEND,RECV         queue keys (UI->device, device->UI); default $%s or %d,%d\n"
+      "  --trace                  print every frame both ways, decoded and in hex\n"
+      "  --battery N              the battery stays at N (raw units: 730 is the upgrade's edge,\n"
+      "                           570 and below shuts the scope down)\n"
+      "  --card ok|low|full       fill the card to leave 400 MiB (low) or 150 MiB (full) free\n"
+      "  --root DIR               the device tree (default $SCOPE_UI_ROOT): its card is formatted\n"
+      "  --ui-control FILE        append \"reboot\" or \"shutdown\" here when the scope restarts "
+      "or\n"
+      "                           powers off (make run restarts or stops the UI)\n"
       "  --blind-save MS|never    a blind-pixel save is reported after MS ms (default 1500), "
       "or never\n",
       MSG_KEYS_ENV, MSG_SEND_KEY, MSG_RECV_KEY);
@@ -109,59 +129,165 @@ struct Terminal {
   }
 };
 
+// ---- what is printed ----
+
+// Lines go above the status line; the status line (the live readings) is redrawn in place on a
+// terminal, and left out elsewhere. While a ':' command is typed, it stays on its line.
+struct Console {
+  bool tty = false;
+  bool typing = false;
+  std::string typed;   // the ':' command so far
+  std::string status;  // the live readings
+
+  void line(const std::string& text) {
+    if (tty) std::printf("\r\033[K");
+    std::printf("%s\n", text.c_str());
+    redraw();
+  }
+  void set_status(const std::string& text) {
+    if (text == status) return;
+    status = text;
+    redraw();
+  }
+  void redraw() {
+    if (!tty) return;
+    if (typing) {
+      std::printf("\r\033[K:%s", typed.c_str());
+    } else if (!status.empty()) {
+      std::printf("\r\033[K%s", status.c_str());
+    }
+    std::fflush(stdout);
+  }
+};
+
+// The readings the device sends on its own, kept for the status line.
+struct Readings {
+  int battery = -1;
+  int azimuth = 0, pitch = 0, cant = 0;
+  bool compass = false;
+  int wind_mm_s = -1;
+  int distance_dm = -2;  // -1: the last measurement failed
+  int64_t video_frames = -1;
+
+  // Takes a frame sent to the UI; true when it was one of the readings.
+  bool take(const devsim::Frame& f) {
+    if (f.size() < 9) return false;
+    const int type = f[2], sub = f[4];
+    const uint8_t* v = f.data() + 6;
+    if (type == 15 && sub == BATTERY_VALUE) {
+      battery = static_cast<int16_t>(v[0] | (v[1] << 8));
+    } else if (type == 6) {
+      const int value = (v[0] != 0 ? -1 : 1) * (v[1] | (v[2] << 8));
+      (sub == 0 ? azimuth : sub == 1 ? pitch : cant) = value;
+      compass = true;
+    } else if (type == 0 && sub == 38) {
+      wind_mm_s = v[0] | (v[1] << 8);
+    } else if (type == 4) {
+      distance_dm = v[0] == 0 ? (v[1] << 8 | v[2]) : -1;
+    } else if (type == 23 && sub == TAP_PROCESS) {
+      int64_t frames = 0;
+      for (int i = 7; i >= 0; --i)
+        frames = (frames << 8) | v[i];
+      video_frames = frames;
+    } else {
+      return false;
+    }
+    return true;
+  }
+
+  std::string text() const {
+    char buf[256];
+    std::string out = "[device]";
+    if (battery >= 0) out += " battery " + std::to_string(battery);
+    if (compass) {
+      std::snprintf(buf, sizeof buf, " | azimuth %d° pitch %d° cant %d°", azimuth, pitch, cant);
+      out += buf;
+    }
+    if (wind_mm_s >= 0) {
+      std::snprintf(buf, sizeof buf, " | wind %.1f m/s", wind_mm_s / 1000.0);
+      out += buf;
+    }
+    if (distance_dm == -1) out += " | range failed";
+    if (distance_dm >= 0) {
+      std::snprintf(buf, sizeof buf, " | range %.1f m", distance_dm / 10.0);
+      out += buf;
+    }
+    if (video_frames >= 0) {
+      std::snprintf(buf, sizeof buf, " | video %.1f s", video_frames / 30.0);
+      out += buf;
+    }
+    return out;
+  }
+};
+
+// ---- the keys ----
+
+// One row of the key map: a terminal key, the scope's button (or the long press and its
+// release), what it does on the observation screen and what it does in the menus.
 struct KeyBinding {
   char key;
   uint8_t button;
-  const char* what;
+  uint8_t release;  // for a long press: its release; KEY_NULL_MAX for a short press
+  const char* name;
+  const char* on_picture;
+  const char* in_menus;
 };
 
-// Lower case: short press. Upper case: long press; the same key again releases it.
-constexpr KeyBinding SHORT_KEYS[] = {
-    {'u', KEY_FOCUS_UP_S, "up"},
-    {'d', KEY_FOCUS_DOWN_S, "down"},
-    {'p', KEY_POWER_S, "power"},
-    {'c', KEY_PHOTO_S, "photo (camera)"},
-    {'f', KEY_FUCTION_S, "function / OK"},
-    {'r', KEY_RANGE_S, "range"},
-    {'1', KEY_PHOTO_FUCTION_S, "photo + function"},
-    {'2', KEY_RANGE_FUCTION_S, "range + function (laser)"},
-    {'3', KEY_RANGE_PHOTO_S, "range + photo (shutter)"},
-    {'4', KEY_UP_POWER_L, "up + power, long (ballistic calculator)"},
-};
-
-struct LongBinding {
-  char key;
-  uint8_t long_press;
-  uint8_t release;
-  const char* what;
-};
-
-constexpr LongBinding LONG_KEYS[] = {
-    {'U', KEY_FOCUS_UP_L, KEY_FOCUS_UP_L_POP, "up held (again: released)"},
-    {'D', KEY_FOCUS_DOWN_L, KEY_FOCUS_DOWN_L_POP, "down held (again: released)"},
-    {'P', KEY_POWER_L, KEY_POWER_L_POP, "power held (again: released)"},
-    {'C', KEY_PHOTO_L, KEY_PHOTO_L_POP, "photo held (again: released)"},
-    {'F', KEY_FUCTION_L, KEY_FUCTION_L_POP, "function held (again: released)"},
-    {'R', KEY_RANGE_L, KEY_RANGE_L_POP, "range held (again: released)"},
+// Lower case: a short press. Upper case: a long press; the same key again releases it.
+constexpr uint8_t SHORT = KEY_NULL_MAX;
+constexpr KeyBinding KEYS[] = {
+    {'c', KEY_PHOTO_S, SHORT, "photo", "start/stop recording", "next row, value down"},
+    {'r', KEY_RANGE_S, SHORT, "range", "measure the distance", "previous row, value up"},
+    {'f', KEY_FUCTION_S, SHORT, "function", "image menu", "confirm, toggle, step value"},
+    {'p', KEY_POWER_S, SHORT, "power", "screen off / on", "back to the picture"},
+    {'u', KEY_FOCUS_UP_S, SHORT, "up", "focus (device)", "-"},
+    {'d', KEY_FOCUS_DOWN_S, SHORT, "down", "focus (device)", "-"},
+    {'C', KEY_PHOTO_L, KEY_PHOTO_L_POP, "photo held", "take a photo",
+     "7 s on LRF row: laser alignment"},
+    {'R', KEY_RANGE_L, KEY_RANGE_L_POP, "range held", "range finder on/off",
+     "7 s on LRF row: range marker"},
+    {'F', KEY_FUCTION_L, KEY_FUCTION_L_POP, "function held", "main menu", "back one page"},
+    {'P', KEY_POWER_L, KEY_POWER_L_POP, "power held", "shut-down countdown",
+     "countdown; release cancels"},
+    {'U', KEY_FOCUS_UP_L, KEY_FOCUS_UP_L_POP, "up held", "focus (device)", "-"},
+    {'D', KEY_FOCUS_DOWN_L, KEY_FOCUS_DOWN_L_POP, "down held", "focus (device)", "-"},
+    {'1', KEY_PHOTO_FUCTION_S, SHORT, "photo+function", "(device)", "-"},
+    {'2', KEY_RANGE_FUCTION_S, SHORT, "range+function", "laser on/off", "laser on/off"},
+    {'3', KEY_RANGE_PHOTO_S, SHORT, "range+photo", "shutter (calibration)", "shutter"},
+    {'4', KEY_UP_POWER_L, SHORT, "up+power held", "ballistic calculator", "calculator"},
 };
 
 void print_key_map() {
   std::printf(
-      "devsim key map (lower case: short press; upper case: long press, again: release):\n");
-  for (const KeyBinding& k : SHORT_KEYS) {
-    std::printf("  %c  %-42s %s\n", k.key, k.what, framedec::button_name(k.button));
+      "devsim keys: lower case a short press; upper case a long press, the same key again (or\n"
+      "space) its release\n");
+  std::printf("  %-3s %-16s %-24s %s\n", "key", "button", "on the picture", "in menus");
+  for (const KeyBinding& k : KEYS) {
+    std::printf("  %-3c %-16s %-24s %s\n", k.key, k.name, k.on_picture, k.in_menus);
   }
-  for (const LongBinding& k : LONG_KEYS) {
-    std::printf("  %c  %-42s %s / %s\n", k.key, k.what, framedec::button_name(k.long_press),
-                framedec::button_name(k.release));
-  }
-  std::printf("  space  release every held button\n");
   std::printf(
-      "  :      a command line (\"battery 700\", \"distance 4500\", \"profile 2\" (a ballistic "
-      "profile loaded mid-way), \"query\", \"boot\", "
-      "\"quit\", ... see tools/devsim/script.h)\n");
-  std::printf("  Ctrl-C or Ctrl-D  quit\n");
+      "  :   a command line: \"battery 700\", \"distance 4500\", \"profile 2\" (a ballistic "
+      "profile\n"
+      "      loaded mid-way), \"upgrade\", \"card full\", \"update-notice\", \"query\", \"quit\" "
+      "...\n"
+      "      (tools/devsim/script.h)\n"
+      "  Ctrl-C or Ctrl-D  quit\n");
   std::fflush(stdout);
+}
+
+// Asks the program that runs the scope UI to restart it or to stop (one word a line).
+void ask_runner(const std::string& file, const char* what) {
+  std::ofstream out(file, std::ios::app);
+  out << what << "\n";
+}
+
+// Throws away what waits for the UI (a restarted UI must not read the old one's frames).
+int drain(int queue) {
+  int n = 0;
+  Inf_MsgEvent event;
+  while (msgrcv(queue, &event, MSG_TEXT_SIZE, 0, IPC_NOWAIT) >= 0)
+    ++n;
+  return n;
 }
 
 }  // namespace
@@ -179,6 +305,21 @@ int main(int argc, char** argv) {
       options.remove_queues = true;
     } else if (arg == "--keys" && i + 1 < argc) {
       options.keys = argv[++i];
+    } else if (arg == "--trace") {
+      options.trace = true;
+    } else if (arg == "--battery" && i + 1 < argc) {
+      char* end = nullptr;
+      options.battery = static_cast<int>(std::strtol(argv[++i], &end, 10));
+      if (*end != '\0' || options.battery < 0 || options.battery > 32767) {
+        std::printf("devsim: --battery takes 0..32767, not \"%s\"\n", argv[i]);
+        return 2;
+      }
+    } else if (arg == "--card" && i + 1 < argc) {
+      options.card = argv[++i];
+    } else if (arg == "--root" && i + 1 < argc) {
+      options.root = argv[++i];
+    } else if (arg == "--ui-control" && i + 1 < argc) {
+      options.ui_control = argv[++i];
     } else if (arg == "--blind-save" && i + 1 < argc) {
       const std::string v = argv[++i];
       char* end = nullptr;
@@ -239,14 +380,42 @@ int main(int argc, char** argv) {
   std::signal(SIGPIPE, SIG_IGN);
 
   bool quit = false;
-  auto print = [](const std::string& line) { std::printf("%s\n", line.c_str()); };
-  auto send = [&q](const devsim::Frame& frame) {
-    std::printf("-> %s   [%s]\n", framedec::decode(frame, framedec::Direction::TO_UI).c_str(),
-                framedec::hex(frame).c_str());
+  Console console;
+  console.tty = isatty(STDIN_FILENO) != 0 && isatty(STDOUT_FILENO) != 0;
+  Readings readings;
+  auto print = [&console](const std::string& line) { console.line(line); };
+  auto send = [&](const devsim::Frame& frame) {
+    const bool reading = readings.take(frame);
+    if (options.trace || !reading) {
+      std::string line = "-> " + framedec::decode(frame, framedec::Direction::TO_UI);
+      if (options.trace) line += "   [" + framedec::hex(frame) + "]";
+      console.line(line);
+    }
+    if (reading) console.set_status(readings.text());
     send_to_ui(q, frame);
   };
   devsim::Device device(send, print);
   device.set_schedule(options.schedule);
+  const char* root_env = std::getenv("SCOPE_UI_ROOT");
+  device.set_root(!options.root.empty() ? options.root : root_env != nullptr ? root_env : "");
+  if (options.battery >= 0) device.set_fixed_battery(options.battery);
+  if (!options.card.empty()) {
+    std::string error;
+    if (!device.set_card(options.card, &error)) std::printf("devsim: --card: %s\n", error.c_str());
+  }
+  // The scope restarting or powering off: the program that runs the UI does it.
+  device.set_system_hook([&](devsim::Device::System what) {
+    const bool off = what == devsim::Device::System::SHUT_DOWN;
+    if (!options.ui_control.empty()) {
+      ask_runner(options.ui_control, off ? "shutdown" : "reboot");
+    } else if (!off) {
+      console.line("devsim: restart the scope UI yourself (no --ui-control)");
+    }
+    if (off) {
+      console.line("devsim: the scope is off");
+      quit = true;
+    }
+  });
   device.set_blind_save_delay(options.blind_save_ms);
 
   devsim::Actions actions{send, print, &device, [&quit] { quit = true; }};
@@ -260,8 +429,7 @@ int main(int argc, char** argv) {
     print_key_map();
   }
   bool stdin_open = true;
-  std::string pending_line;  // stdin lines, or a ':' command being typed
-  bool typing_command = false;
+  std::string pending_line;  // stdin lines
   std::set<char> held;
 
   std::vector<devsim::Received> received;
@@ -283,28 +451,25 @@ int main(int argc, char** argv) {
   };
 
   auto on_key = [&](char ch) {
-    if (typing_command) {
+    if (console.typing) {
       if (ch == '\r' || ch == '\n') {
-        std::printf("\n");
-        typing_command = false;
-        run_line(pending_line);
-        pending_line.clear();
+        const std::string line = console.typed;
+        console.typing = false;
+        console.typed.clear();
+        console.line(":" + line);
+        run_line(line);
       } else if (ch == 127 || ch == 8) {
-        if (!pending_line.empty()) {
-          pending_line.pop_back();
-          std::printf("\b \b");
-        }
+        if (!console.typed.empty()) console.typed.pop_back();
+        console.redraw();
       } else {
-        pending_line += ch;
-        std::printf("%c", ch);
+        console.typed += ch;
+        console.redraw();
       }
-      std::fflush(stdout);
       return;
     }
     if (ch == ':') {
-      typing_command = true;
-      std::printf(":");
-      std::fflush(stdout);
+      console.typing = true;
+      console.redraw();
       return;
     }
     if (ch == 4) {  // Ctrl-D
@@ -312,27 +477,24 @@ int main(int argc, char** argv) {
       return;
     }
     if (ch == ' ') {
-      for (const LongBinding& k : LONG_KEYS) {
+      for (const KeyBinding& k : KEYS) {
         if (held.count(k.key)) send(devsim::key_frame(k.release));
       }
       held.clear();
       return;
     }
-    for (const KeyBinding& k : SHORT_KEYS) {
-      if (k.key == ch) {
-        send(devsim::key_frame(k.button));
-        return;
-      }
-    }
-    for (const LongBinding& k : LONG_KEYS) {
+    for (const KeyBinding& k : KEYS) {
       if (k.key != ch) continue;
-      if (held.count(ch)) {
+      if (k.release == SHORT) {
+        send(devsim::key_frame(k.button));
+      } else if (held.count(ch)) {
         held.erase(ch);
         send(devsim::key_frame(k.release));
       } else {
         held.insert(ch);
-        send(devsim::key_frame(k.long_press));
-        std::printf("devsim: held; press %c again or space to release\n", ch);
+        send(devsim::key_frame(k.button));
+        console.line(std::string("devsim: ") + k.name + "; press " + ch +
+                     " again or space to release");
       }
       return;
     }
@@ -357,8 +519,12 @@ int main(int argc, char** argv) {
       }
       devsim::Frame frame(event.msg_text.context, event.msg_text.context + length);
       std::string decoded = framedec::decode(frame, framedec::Direction::FROM_UI);
-      std::printf("<- %s   [%s]\n", decoded.c_str(), framedec::hex(frame).c_str());
+      console.line("<- " + decoded + (options.trace ? "   [" + framedec::hex(frame) + "]" : ""));
       received.push_back({frame, framedec::normalize(decoded)});
+      // A UI that (re)starts reads nothing meant for the one before it.
+      if (frame.size() > 2 && frame[2] == 8 && drain(q.to_ui) > 0 && options.trace) {
+        console.line("devsim: frames left for the previous UI dropped");
+      }
       device.on_frame(frame);
     }
 
@@ -397,6 +563,7 @@ int main(int argc, char** argv) {
   }
 
   if (!tty && !pending_line.empty()) run_line(pending_line);
+  if (console.tty) std::printf("\r\033[K");
   if (options.remove_queues) {
     msgctl(q.from_ui, IPC_RMID, nullptr);
     msgctl(q.to_ui, IPC_RMID, nullptr);

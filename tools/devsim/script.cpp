@@ -1,9 +1,11 @@
 // Parsing and running the simulator's commands.
 #include "script.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdlib>
 #include <fstream>
+#include <span>
 #include <sstream>
 
 #include "framedec.h"
@@ -66,6 +68,24 @@ constexpr Verb VERBS[] = {
     {"wait", Op::WAIT, 1, 1},
     {"timeout", Op::TIMEOUT, 1, 1},
     {"quit", Op::QUIT, 0, 0},
+};
+
+// Verbs taking one word out of a list; the argument becomes its position in the list.
+struct WordVerb {
+  const char* word;
+  Op op;
+  std::span<const char* const> choices;
+  bool optional;  // without the word: the first choice
+};
+
+constexpr const char* ON_OFF[] = {"off", "on"};
+constexpr const char* UPGRADE_OUTCOMES[] = {"ok", "no-firmware", "fail-1", "fail-2", "fail-3"};
+constexpr const char* CARD_STATES[] = {"ok", "low", "full"};
+
+constexpr WordVerb WORD_VERBS[] = {
+    {"schedule", Op::SCHEDULE, ON_OFF, false},
+    {"upgrade", Op::UPGRADE, UPGRADE_OUTCOMES, true},
+    {"card", Op::CARD, CARD_STATES, false},
 };
 
 }  // namespace
@@ -134,13 +154,24 @@ std::optional<Command> parse_command(std::string_view line, std::string* error) 
     c.numbers.push_back(dm);
     return c;
   }
-  if (verb == "schedule") {
-    if (nargs != 1 || (words[1] != "on" && words[1] != "off")) {
-      *error = "\"schedule\" needs on or off";
+  for (const WordVerb& form : WORD_VERBS) {
+    if (verb != form.word) continue;
+    std::string list;
+    for (const char* choice : form.choices)
+      list += (list.empty() ? "" : "|") + std::string(choice);
+    if (nargs > 1 || (nargs == 0 && !form.optional)) {
+      *error = "\"" + verb + "\" needs one of " + list;
       return std::nullopt;
     }
-    c.op = Op::SCHEDULE;
-    c.numbers.push_back(words[1] == "on" ? 1 : 0);
+    c.op = form.op;
+    c.numbers.push_back(0);
+    if (nargs == 0) return c;
+    const auto at = std::find(form.choices.begin(), form.choices.end(), words[1]);
+    if (at == form.choices.end()) {
+      *error = "\"" + verb + "\" needs one of " + list + ", not \"" + words[1] + "\"";
+      return std::nullopt;
+    }
+    c.numbers[0] = static_cast<int>(at - form.choices.begin());
     return c;
   }
   if (verb == "blind-save") {
@@ -261,6 +292,12 @@ void execute(const Command& c, const Actions& a) {
       break;
     }
     case Op::SCHEDULE: d.set_schedule(n[0] != 0); break;
+    case Op::UPGRADE: d.start_upgrade(static_cast<Device::Upgrade>(n[0])); break;
+    case Op::CARD: {
+      std::string error;
+      if (!d.set_card(CARD_STATES[n[0]], &error)) a.print("devsim: " + error);
+      break;
+    }
     case Op::BLIND_SAVE: d.set_blind_save_delay(n[0]); break;
     case Op::QUIT:
       if (a.quit) a.quit();

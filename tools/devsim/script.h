@@ -10,6 +10,8 @@
 //   wind-connect <0|1> | distance <decimetres>|fail | target <metres> | zoom <hundredths>
 //   query | boot | profile <0..4> (a mid-way load of that profile) | solution
 //   update-notice | update-state <n> | update-result <n>
+//   upgrade [ok|no-firmware|fail-1|fail-2|fail-3]  plays a firmware upgrade with that outcome
+//   card ok|low|full                               fills the card to leave 400 / 150 MiB free
 //   shot                                           the recoil sensor fires (recoil video on)
 //   schedule on|off                                periodic battery, compass and wind
 //   blind-save <ms>|never                          how long a blind-pixel save takes to report
@@ -52,6 +54,8 @@ enum class Op {
   UPDATE_NOTICE,
   UPDATE_STATE,
   UPDATE_RESULT,
+  UPGRADE,
+  CARD,
   SHOT,
   SCHEDULE,
   BLIND_SAVE,
