@@ -143,6 +143,9 @@ void records_leave(void) {
     records.gate_frames++;
     bool (*full)() = records.gate_limited ? gate_full.load() : nullptr;
     if (records.gate_frames >= RECORDS_GATE_FRAMES || (full != nullptr && full())) close_gate();
+    // Inside an open gate the user interface thread waits only for the records to come back:
+    // waking it after every frame would cost two thread switches a frame for nothing.
+    if (!records.ui_holds) return;
   }
   records.changed.notify_all();
 }
