@@ -2,8 +2,10 @@
 # Builds and runs every test:
 #   1. the desktop build (build/dev) and its whole CTest suite;
 #   2. the same suite built with AddressSanitizer + UndefinedBehaviorSanitizer (build/asan);
-#   3. the libFuzzer harnesses (clang, build/fuzz), each fuzzing for a bounded time.
-# Ends with the line "N passed, N failed" over all three; exits non-zero on any failure.
+#   3. the same suite built with ThreadSanitizer (build/tsan): the listener thread and the user
+#      interface thread share the records and the toolkit's queue, and a data race fails the run;
+#   4. the libFuzzer harnesses (clang, build/fuzz), each fuzzing for a bounded time.
+# Ends with the line "N passed, N failed" over all four; exits non-zero on any failure.
 set -uo pipefail
 cd "$(dirname "$0")/.."
 
@@ -45,6 +47,7 @@ run_suite() {
 
 run_suite dev ""
 run_suite asan ""
+run_suite tsan ""
 run_suite fuzz fuzzers -L fuzz
 
 echo "${total_passed} passed, ${total_failed} failed"

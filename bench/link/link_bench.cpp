@@ -4,9 +4,11 @@
 //                      physical limit of a System V queue on this machine.
 //   BM_LinkInbound     a thread sends checksummed status frames as the device does; the UI's
 //                      listener receives, checks and dispatches them, writes the records and
-//                      queues the screen events, while this thread runs the UI side (drain and
-//                      event dispatch) at the main loop's pace. Fails if a frame is lost or
-//                      dropped, or the toolkit's queue overflows.
+//                      queues the screen events, while this thread runs the UI side (the gate
+//                      that lets the listener have the records, the drain and the dispatch of
+//                      every event) as a main loop woken by each post. Fails if a frame is lost
+//                      or dropped, an event is dropped, or the toolkit's queue overflows.
+//   BM_LinkInboundWithUI  the same with a main-loop pass every 8 ms (the board's pace).
 //   BM_Dispatch        uiOperationControl on one frame in-process: the dispatch alone.
 //
 // The link prints a line for most frames; during the measured part standard output goes to
@@ -128,9 +130,9 @@ void init_link() {
   stUIStatus.event_distrubut_reday = 1;  // status events are raised, as after start-up
 }
 
-// Sends BATCH frames from a device thread and waits until the listener has handled them; with
-// `ui_paced` the UI side meanwhile runs a main-loop pass every 8 ms, otherwise it is busy
-// elsewhere (as during the home screen's start-up wait) and drains once the batch is in.
+// Sends BATCH frames from a device thread and runs the UI side until the listener has handled
+// them and every event is dispatched: a main-loop pass whenever there is work, or (`ui_paced`)
+// one every 8 ms.
 void run_inbound(benchmark::State& state, bool ui_paced) {
   init_link();
   const std::vector<Inf_MsgEvent> messages = status_messages();
@@ -146,12 +148,8 @@ void run_inbound(benchmark::State& state, bool ui_paced) {
         }
       });
       while (Inf_MsgReceivedCount() < target) {
-        if (ui_paced) {
-          tk_testing_advance(0);
-          std::this_thread::sleep_for(std::chrono::milliseconds(8));
-        } else {
-          std::this_thread::sleep_for(std::chrono::microseconds(200));
-        }
+        tk_testing_advance(0);
+        if (ui_paced) std::this_thread::sleep_for(std::chrono::milliseconds(8));
       }
       device.join();
       while (!Inf_LinkIsIdle())
@@ -161,8 +159,12 @@ void run_inbound(benchmark::State& state, bool ui_paced) {
   }
   const Inf_LinkStats after = Inf_GetLinkStats();
   if (after.frames_received - before.frames_received != sent ||
-      after.frames_dropped != before.frames_dropped || tk_testing_queue_overflows() != 0) {
-    state.SkipWithError("frames lost, dropped, or the toolkit queue overflowed");
+      after.frames_dropped != before.frames_dropped ||
+      after.events_dropped != before.events_dropped ||
+      after.events_dispatched - before.events_dispatched !=
+          after.events_raised - before.events_raised ||
+      tk_testing_queue_overflows() != 0) {
+    state.SkipWithError("frames lost or dropped, events dropped, or the toolkit queue overflowed");
   }
   state.counters["events_dispatched"] =
       benchmark::Counter(static_cast<double>(after.events_dispatched - before.events_dispatched),
@@ -192,7 +194,7 @@ void BM_Dispatch(benchmark::State& state) {
     for (auto _ : state) {
       Inf_MsgText& text = messages[i++ % messages.size()].msg_text;
       uiOperationControl(text.context, text.length);
-      if ((i & 1023) == 0) {
+      if ((i & 255) == 0) {  // the events of 256 frames fit the hand-off
         state.PauseTiming();
         while (!Inf_LinkIsIdle())
           tk_testing_advance(0);

@@ -1,6 +1,12 @@
 // Fuzzes the device link's inbound path: frame check, dispatch, record loads, key handling and
 // the hand-off to the UI thread, with the UI thread's drain run after every message.
 //
+// The oracle, beyond the sanitizers' own: a handler reads no byte past its frame's values. A
+// message whose frame passes the check is dispatched from a heap copy of exactly its L bytes
+// (header to the last value byte), so reading the checksum, the trailer or anything after it
+// is a heap-buffer-overflow that AddressSanitizer reports. Other messages take the whole path
+// (msgEventCallback), where they are dropped.
+//
 // Input: a series of messages, each a two-byte little-endian length (at most 512) followed by
 // that many bytes of context (a frame, or anything). The harness opens no message queue: the
 // answers the handlers send fail cleanly ("Ui to App Send failed"). Windows the link asks for are
@@ -13,6 +19,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
+#include <memory>
 #include <string>
 
 #include "common/status_records.h"
@@ -73,7 +80,14 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     text.length = static_cast<uint32_t>(n);
     std::memcpy(text.context, data + at, n);
     at += n;
-    msgEventCallback(&text, nullptr);
+    const int L = text.context[1];
+    if (Protocol_parse(text.context) == 0 && text.context[2] <= FRAME_TYPE_MAX) {
+      std::unique_ptr<uint8_t[]> exact(new uint8_t[L]);
+      std::memcpy(exact.get(), text.context, static_cast<size_t>(L));
+      uiOperationDispatch(FrameBytes(exact.get(), static_cast<size_t>(L)));
+    } else {
+      msgEventCallback(&text, nullptr);
+    }
     drain_ui();
   }
   // Timers the handlers started (shutter, video mode) run out before the next input.

@@ -180,6 +180,7 @@ typedef struct {
   char s8GGSaveStatus;
   char s8BatteryType;
   int16_t s16BatteryValue;
+  char s8BatteryReported;  // 1 once the device has reported a battery level
   int16_t s16CompassAzimuth;
   int16_t s16CompassPitch;
   int16_t s16CompassSlant;

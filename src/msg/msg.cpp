@@ -1,8 +1,9 @@
 // Message-queue transport: the two System V queues, the listener thread and the send routine.
 //
 // The listener thread "MsgEventListen" blocks on the receive queue and hands every message of
-// type 4 to the callback (msghandler's inbound dispatch). Sends go out on the send queue with
-// IPC_NOWAIT from whichever thread calls, one system call each, so no lock is taken.
+// type 4 to the callback (msghandler's inbound dispatch), holding the shared records while the
+// callback applies it (common/records_lock.h). Sends go out on the send queue with IPC_NOWAIT
+// from whichever thread calls, one system call each, so no lock is taken for them.
 #include "msg/msg.h"
 
 #include <cerrno>
@@ -17,6 +18,8 @@
 #include <unistd.h>
 
 #include <atomic>
+
+#include "common/records_lock.h"
 
 namespace {
 
@@ -38,52 +41,23 @@ void store_callback(InfMsgEventCallback callback) {
   __atomic_store_n(&node.callback, callback, __ATOMIC_RELEASE);
 }
 
-bool parse_key(const char* begin, const char* end, int* key) {
-  if (begin == end) return false;
-  char buffer[32];
-  size_t n = static_cast<size_t>(end - begin);
-  if (n >= sizeof(buffer)) return false;
-  std::memcpy(buffer, begin, n);
-  buffer[n] = '\0';
-  char* stop = nullptr;
-  errno = 0;
-  long value = std::strtol(buffer, &stop, 0);
-  if (errno != 0 || stop == buffer || *stop != '\0') return false;
-  if (value <= 0 || value > 0x7fffffff) return false;
-  *key = static_cast<int>(value);
-  return true;
+// The queue identifiers are read by the listener and by senders on any thread while the link
+// may be closed on another: each is read and written as one word.
+int32_t load_id(const int32_t* id) {
+  return __atomic_load_n(id, __ATOMIC_ACQUIRE);
+}
+
+void store_id(int32_t* id, int32_t value) {
+  __atomic_store_n(id, value, __ATOMIC_RELEASE);
 }
 
 }  // namespace
 
-bool Inf_ParseMsgKeys(const char* text, int* send_key, int* recv_key) {
-  if (text == nullptr) return false;
-  const char* comma = std::strchr(text, ',');
-  if (comma == nullptr) return false;
-  int s = 0;
-  int r = 0;
-  if (!parse_key(text, comma, &s) || !parse_key(comma + 1, comma + std::strlen(comma), &r)) {
-    return false;
-  }
-  if (s == r) return false;
-  *send_key = s;
-  *recv_key = r;
-  return true;
-}
-
-void Inf_GetMsgKeys(int* send_key, int* recv_key) {
-  *send_key = MSG_SEND_KEY;
-  *recv_key = MSG_RECV_KEY;
-  const char* text = std::getenv(MSG_KEYS_ENV);
-  if (text == nullptr || *text == '\0') return;
-  if (!Inf_ParseMsgKeys(text, send_key, recv_key)) {
-    std::printf("[ERROR] %s=\"%s\" is not \"<send>,<recv>\"; using %d,%d\n", MSG_KEYS_ENV, text,
-                MSG_SEND_KEY, MSG_RECV_KEY);
-  }
-}
-
 int32_t Inf_InitMsgEvent(InfMsgEventCallback callback) {
   std::puts("<MsgEvent> init msg client event!");
+  // The thread that starts the link is the user interface thread: it holds the shared records
+  // from now on, and the listener takes them frame by frame.
+  records_claim();
 
   int send_key = 0;
   int recv_key = 0;
@@ -100,8 +74,8 @@ int32_t Inf_InitMsgEvent(InfMsgEventCallback callback) {
     return -1;
   }
 
-  node.smsgid = smsgid;
-  node.rmsgid = rmsgid;
+  store_id(&node.smsgid, smsgid);
+  store_id(&node.rmsgid, rmsgid);
   store_callback(callback);
 
   pthread_t thread;
@@ -132,7 +106,7 @@ int32_t Inf_SendMsgEvent(uint8_t type, uint8_t command, const uint8_t* data, int
   if (data != nullptr) std::memcpy(event.msg_text.context, data, static_cast<size_t>(length));
   std::memset(reinterpret_cast<uint8_t*>(&event.msg_text) + 2, 0, 2);  // padding
 
-  if (msgsnd(node.smsgid, &event, MSG_TEXT_SIZE, IPC_NOWAIT) < 0) {
+  if (msgsnd(load_id(&node.smsgid), &event, MSG_TEXT_SIZE, IPC_NOWAIT) < 0) {
     std::puts("[ERROR] send msg event failed!");
     return -1;
   }
@@ -141,19 +115,38 @@ int32_t Inf_SendMsgEvent(uint8_t type, uint8_t command, const uint8_t* data, int
 
 int32_t Inf_DeinitMsgEvent(void) {
   std::puts("<MsgEvent> deinit msg client event!");
-  if (node.smsgid != -1) msgctl(node.smsgid, IPC_RMID, nullptr);
-  if (node.rmsgid != -1) msgctl(node.rmsgid, IPC_RMID, nullptr);
-  node.smsgid = -1;
-  node.rmsgid = -1;
+  const int32_t smsgid = load_id(&node.smsgid);
+  const int32_t rmsgid = load_id(&node.rmsgid);
+  if (smsgid != -1) msgctl(smsgid, IPC_RMID, nullptr);
+  if (rmsgid != -1) msgctl(rmsgid, IPC_RMID, nullptr);
+  store_id(&node.smsgid, -1);
+  store_id(&node.rmsgid, -1);
   store_callback(nullptr);
+  // A listener still waiting for the records goes through, finds no callback and stops with
+  // its queue.
+  records_disclaim();
   return 0;
 }
+
+namespace {
+
+// Hands one received message to the callback with the shared records held.
+void apply(Inf_MsgEvent& buffer) {
+  records_enter();
+  // Read under the records: a link closed meanwhile has no callback any more.
+  InfMsgEventCallback callback = load_callback();
+  if (callback != nullptr) callback(&buffer.msg_text, nullptr);
+  received_count.fetch_add(1, std::memory_order_release);
+  records_leave();
+}
+
+}  // namespace
 
 void* PthreadMsgEventListen(void* arg) {
   prctl(PR_SET_NAME, "MsgEventListen");
   listener_thread = true;
   Inf_MsgNode* self = static_cast<Inf_MsgNode*>(arg);
-  const int rmsgid = self->rmsgid;
+  const int rmsgid = load_id(&self->rmsgid);
 
   Inf_MsgEvent buffer;
   for (;;) {
@@ -171,12 +164,18 @@ void* PthreadMsgEventListen(void* arg) {
       usleep(10 * 1000);
       continue;
     }
-    InfMsgEventCallback callback = load_callback();
-    if (callback != nullptr) callback(&buffer.msg_text, nullptr);
-    received_count.fetch_add(1, std::memory_order_release);
-    // No pause between messages: the blocking receive already yields when the queue is empty,
-    // and a sleep here (even 10 us, which Linux rounds up to its timer slack) would cap the link
-    // far below the device's burst rate.
+    apply(buffer);
+    // Messages already waiting are applied in the same turn of the records (one pass of the
+    // user interface thread lets a whole burst in); then the user interface thread takes them
+    // back. No pause between messages: the blocking receive already yields when the queue is
+    // empty, and a sleep here (even 10 us, which Linux rounds up to its timer slack) would cap
+    // the link far below the device's burst rate.
+    for (;;) {
+      std::memset(&buffer, 0, sizeof(buffer));
+      if (msgrcv(rmsgid, &buffer, MSG_TEXT_SIZE, MSG_RECV_TYPE, IPC_NOWAIT) < 0) break;
+      apply(buffer);
+    }
+    records_listener_idle();
   }
 }
 

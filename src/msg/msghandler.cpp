@@ -11,12 +11,13 @@
 
 #include <array>
 #include <atomic>
+#include <span>
 #include <string>
 
 #include "awtk.h"
 #include "common/device_path.h"
+#include "common/records_lock.h"
 #include "common/status_records.h"
-#include "pages/Zavo_home_page_1.h"
 
 using namespace msghandler_internal;
 
@@ -98,18 +99,48 @@ int32_t Protocol_parse(const uint8_t* frame) {
 
 // =============================================================================================
 // Inbound handlers (listener thread): records first, then the screen event.
+//
+// A handler sees the frame's bytes 0 .. L-1 (header to the last value byte) and reads no byte
+// beyond: before it reads a value it checks that the frame carries it. A frame too short for
+// what its handler reads is ignored with one line and changes nothing.
 // =============================================================================================
 
 namespace {
+
+constexpr size_t VALUES = 6;  // offset of the first value byte
 
 bool is_ready() {
   return stUIStatus.event_distrubut_reday != 0;
 }
 
-void basic_func(const uint8_t* frame) {
-  switch (frame[4]) {
+// True when `f` carries `count` value bytes; otherwise the one line for a short frame.
+bool carries(FrameBytes f, size_t count, const char* handler) {
+  const size_t have = f.size() - VALUES;
+  if (have >= count) return true;
+  std::printf("%s: frame type %u command %u sub %u carries %zu of its %zu value bytes; ignored\n",
+              handler, f[2], f[3], f[4], have, count);
+  return false;
+}
+
+// Values of a frame that carries them (see carries): little-endian, one deliberate exception.
+uint8_t value8(FrameBytes f, size_t index) {
+  return f[VALUES + index];
+}
+int16_t value16(FrameBytes f, size_t index) {
+  return static_cast<int16_t>(f[VALUES + index] | (f[VALUES + index + 1] << 8));
+}
+uint64_t value64(FrameBytes f, size_t index) {
+  uint64_t v = 0;
+  for (size_t i = 8; i-- > 0;)
+    v = (v << 8) | f[VALUES + index + i];
+  return v;
+}
+
+void basic_func(FrameBytes f) {
+  switch (f[4]) {
     case 38:  // wind speed
-      stUIStatus.s16WindSpeed = le16(frame + 6);
+      if (!carries(f, 2, "basic_func")) return;
+      stUIStatus.s16WindSpeed = value16(f, 0);
       event_distrubution(EV_WIND);
       break;
     case BASIC_MENU_LEVEL:  // which screen is shown: answered at once
@@ -117,21 +148,24 @@ void basic_func(const uint8_t* frame) {
       GUI_SEND_BASIC_FUNCTION_MSG(BASIC_MENU_LEVEL);
       break;
     case 25:  // fill light over-temperature
-      stUIStatus.s8LightOverheat = static_cast<char>(frame[6]);
+      if (!carries(f, 1, "basic_func")) return;
+      stUIStatus.s8LightOverheat = static_cast<char>(value8(f, 0));
       event_distrubution(EV_LIGHT_OVERHEAT);
       break;
     default: break;
   }
 }
 
-void IrInfo_func(const uint8_t* frame) {
-  switch (frame[4]) {
+void IrInfo_func(FrameBytes f) {
+  switch (f[4]) {
     case INFRARED_BRIGHTLIGHT:
-      stUIStatus.s8IrBrightLight = static_cast<char>(frame[6]);
+      if (!carries(f, 1, "IrInfo_func")) return;
+      stUIStatus.s8IrBrightLight = static_cast<char>(value8(f, 0));
       event_distrubution(EV_BRIGHT_LIGHT);
       break;
     case INFRARED_ZOOM:
-      stUIStatus.s8IRZoom = le16(frame + 6);
+      if (!carries(f, 2, "IrInfo_func")) return;
+      stUIStatus.s8IRZoom = value16(f, 0);
       std::printf("stUIStatus.s8IRZoom = %d\n", stUIStatus.s8IRZoom);
       if (is_ready()) {
         event_distrubution(EV_ZOOM);
@@ -142,13 +176,15 @@ void IrInfo_func(const uint8_t* frame) {
   }
 }
 
-void RabgeValueRefressh_func(const uint8_t* frame) {
-  if (frame[3] != 2) return;
-  if (frame[6] == RANGE_RETURN_SUCCESE) {
+void RabgeValueRefressh_func(FrameBytes f) {
+  if (f[3] != 2) return;
+  if (!carries(f, 1, "RabgeValueRefressh_func")) return;
+  if (value8(f, 0) == RANGE_RETURN_SUCCESE) {
+    if (!carries(f, 3, "RabgeValueRefressh_func")) return;
     // The distance is the one big-endian value of the protocol.
-    stUIStatus.s16Distance = static_cast<int16_t>(frame[7] * 256 + frame[8]);
+    stUIStatus.s16Distance = static_cast<int16_t>(value8(f, 1) * 256 + value8(f, 2));
     std::printf("stUIStatus.s16Distance==============%d\n", stUIStatus.s16Distance);
-  } else if (frame[6] == RANGE_RETURN_FAIL) {
+  } else if (value8(f, 0) == RANGE_RETURN_FAIL) {
     std::puts("===============测距返回失败");
     stUIStatus.s16Distance = 0;
   }
@@ -157,17 +193,20 @@ void RabgeValueRefressh_func(const uint8_t* frame) {
   }
 }
 
-void wifi_func(const uint8_t* frame) {
-  if (frame[3] != WIFI_CONNECT) return;
-  stUIStatus.s8WifiConnection = static_cast<char>(frame[6]);
+void wifi_func(FrameBytes f) {
+  if (f[3] != WIFI_CONNECT) return;
+  if (!carries(f, 1, "wifi_func")) return;
+  stUIStatus.s8WifiConnection = static_cast<char>(value8(f, 0));
   event_distrubution(EV_WIFI_CONNECTION);
 }
 
-void compass_func(const uint8_t* frame) {
-  if (frame[3] != 0) return;
-  const int magnitude = frame[7] + frame[8] * 256;
-  const int signed_value = frame[6] != 0 ? -magnitude : magnitude;
-  switch (frame[4]) {
+void compass_func(FrameBytes f) {
+  if (f[3] != 0) return;
+  if (f[4] > COMPASS_SLANT_ANGLE) return;
+  if (!carries(f, 3, "compass_func")) return;  // sign byte, then the magnitude
+  const int magnitude = value8(f, 1) + value8(f, 2) * 256;
+  const int signed_value = value8(f, 0) != 0 ? -magnitude : magnitude;
+  switch (f[4]) {
     case COMPASS_AZIMUTH_ANGLE:
       stUIStatus.s16CompassAzimuth = static_cast<int16_t>(magnitude);
       if (is_ready()) event_distrubution(EV_COMPASS_AZIMUTH);
@@ -183,7 +222,6 @@ void compass_func(const uint8_t* frame) {
     default: break;
   }
 }
-
 // ---- keys ----
 
 struct KeyRow {
@@ -220,10 +258,9 @@ constexpr std::array<KeyRow, KEY_NULL_MAX> KEY_TABLE = {{
 
 void power_short_rule() {
   if (top_window_name() == HOME_WINDOW && u8(stUIStatus.s8InterfaceState) == INTERFACE_OBSERVE) {
-    // A recording runs when the flag says so or the home screen's recording clock ticks (the
-    // clock is read as one word; the UI thread writes it).
-    const int32_t clock_timer = __atomic_load_n(&record_status.timer_id, __ATOMIC_RELAXED);
-    if (u8(stUIStatus.s8RecordingState) == 1 || clock_timer != 0) {
+    // A recording runs: the observation screen keeps s8RecordingState at 1 exactly while its
+    // recording clock ticks.
+    if (u8(stUIStatus.s8RecordingState) == 1) {
       event_distrubution(EV_RECORD_TIP);
       return;
     }
@@ -283,9 +320,10 @@ void key_func(uint8_t button) {
   if (button == KEY_FUCTION_L) GUI_SEND_PARAM_FUNCTION_MSG(SAVE_ALLPARAM);
 }
 
-void key_message(const uint8_t* frame) {
+void key_message(FrameBytes f) {
   std::puts("receive key message!");
-  const uint8_t button = frame[6];
+  if (!carries(f, 1, "key_message")) return;
+  const uint8_t button = value8(f, 0);
   if ((button == KEY_POWER_S || button == KEY_POWER_L) &&
       u8(stUIStatus.s8InterfaceState) == INTERFACE_AOD && top_window_name() == HOME_WINDOW) {
     // The dark screen only wakes up.
@@ -296,15 +334,18 @@ void key_message(const uint8_t* frame) {
   key_func(button);
 }
 
-void battery_func(const uint8_t* frame) {
-  switch (frame[4]) {
+void battery_func(FrameBytes f) {
+  switch (f[4]) {
     case BATTERY_VALUE:
-      stUIStatus.s16BatteryValue = le16(frame + 6);
+      if (!carries(f, 2, "battery_func")) return;
+      stUIStatus.s16BatteryValue = value16(f, 0);
+      stUIStatus.s8BatteryReported = 1;
       std::printf("battery is %d\n", stUIStatus.s16BatteryValue);
       if (is_ready()) event_distrubution(EV_BATTERY);
       break;
     case BATTERY_TYPE:
-      stUIStatus.s8BatteryType = static_cast<char>(frame[6]);
+      if (!carries(f, 1, "battery_func")) return;
+      stUIStatus.s8BatteryType = static_cast<char>(value8(f, 0));
       if (is_ready()) {
         event_distrubution(EV_BATTERY_TYPE);
         event_distrubution(EV_BATTERY);
@@ -321,14 +362,14 @@ void battery_func(const uint8_t* frame) {
 }
 
 // Clears the record and copies the frame's values into it, never past its end.
-void load_record(void* record, size_t size, const uint8_t* values, int count, const char* what) {
+void load_record(void* record, size_t size, std::span<const uint8_t> values, const char* what) {
   std::memset(record, 0, size);
-  size_t n = static_cast<size_t>(count);
+  size_t n = values.size();
   if (n > size) {
     std::printf("parameter_func: %s payload of %zu bytes cut to the record's %zu\n", what, n, size);
     n = size;
   }
-  std::memcpy(record, values, n);
+  std::memcpy(record, values.data(), n);
 }
 
 bool profile_index_ok(int index) {
@@ -353,21 +394,21 @@ void first_language_check() {
   }
 }
 
-void parameter_func(const uint8_t* frame) {
-  const int count = frame[1] - 6;
-  const uint8_t* values = frame + 6;
-  const int index = frame[4];
-  switch (frame[3]) {
+// A record load copies the L - 6 value bytes the frame carries, however many (none included).
+void parameter_func(FrameBytes f) {
+  const std::span<const uint8_t> values = f.subspan(VALUES);
+  const int index = f[4];
+  switch (f[3]) {
     case BASIC_PARAM:
-      load_record(&stDevStatus, sizeof(stDevStatus), values, count, "settings");
+      load_record(&stDevStatus, sizeof(stDevStatus), values, "settings");
       std::printf("stDevStatus.s8RecoilSensitivity ======= %d\n\n\n\n\n",
                   stDevStatus.s8RecoilSensitivity);
       break;
-    case RETICLE_PARAM: load_record(&IR_Cursor, sizeof(IR_Cursor), values, count, "zeroing"); break;
+    case RETICLE_PARAM: load_record(&IR_Cursor, sizeof(IR_Cursor), values, "zeroing"); break;
     case BALLISTIC_PARM_midway: {
       if (!profile_index_ok(index)) return;
       stDevStatus.s8BallisticGroup = static_cast<char>(index);
-      load_record(&info[index], sizeof(info[index]), values, count, "ballistic profile");
+      load_record(&info[index], sizeof(info[index]), values, "ballistic profile");
       if (info[0].ballistics_sw == 1 && u8(stUIStatus.s8RangeMode) != RANGE_MEASURING) {
         GUI_SEND_BALLISTIC_PARM_MSG(BALLISTIC_OPEN_CALCU, 0);
       }
@@ -381,7 +422,7 @@ void parameter_func(const uint8_t* frame) {
     }
     case BALLISTIC_PARM:
       if (!profile_index_ok(index)) return;
-      load_record(&info[index], sizeof(info[index]), values, count, "ballistic profile");
+      load_record(&info[index], sizeof(info[index]), values, "ballistic profile");
       std::printf("info.gun.bullet.length  ======%.02f\n", info[index].gun.bullet.length);
       first_language_check();
       if (index == PROFILE_LAST) stUIStatus.event_distrubut_reday = 1;
@@ -390,10 +431,15 @@ void parameter_func(const uint8_t* frame) {
   }
 }
 
-void Reticle_PositionSet_func(const uint8_t* frame) {
-  const int16_t value = le16(frame + 6);
-  const int axis = frame[4];  // 1: x, 2: y
-  switch (frame[3]) {
+void Reticle_PositionSet_func(FrameBytes f) {
+  if (f[3] != RETICLE_POSITION && f[3] != RETICLE_LASER_POSITION &&
+      f[3] != RETICLE_RANGE_POSITION) {
+    return;
+  }
+  if (!carries(f, 2, "Reticle_PositionSet_func")) return;
+  const int16_t value = value16(f, 0);
+  const int axis = f[4];  // 1: x, 2: y
+  switch (f[3]) {
     case RETICLE_POSITION:
       if (axis == 1) stDevStatus.s16ReticlePositionX = value;
       if (axis == 2) stDevStatus.s16ReticlePositionY = value;
@@ -419,10 +465,11 @@ void Reticle_PositionSet_func(const uint8_t* frame) {
   }
 }
 
-void tap_func(const uint8_t* frame) {
-  switch (frame[4]) {
+void tap_func(FrameBytes f) {
+  switch (f[4]) {
     case TAP_PROCESS: {
-      const uint64_t frames = le64(frame + 6);
+      if (!carries(f, 8, "tap_func")) return;
+      const uint64_t frames = value64(f, 0);
       stUIStatus.u64VideoCurrentFrames = frames;
       stUIStatus.u64VideoForwardFrames = frames;
       std::printf("\n\n\n get frams = %ld!\n", static_cast<long>(frames));
@@ -430,9 +477,14 @@ void tap_func(const uint8_t* frame) {
       break;
     }
     case TAP_TOTAL_TIME: {
-      stUIStatus.u64VideoTotalFrames = le64(frame + 6);
-      const uint16_t rate = static_cast<uint16_t>(frame[14] | (frame[15] << 8));
-      if (rate != 0) stUIStatus.u8VideoCurrentFrames = rate;
+      if (!carries(f, 8, "tap_func")) return;
+      stUIStatus.u64VideoTotalFrames = value64(f, 0);
+      // The frame rate divisor is optional: only a frame that carries it (L of 16 or more) and
+      // says something other than 0 changes it.
+      if (f.size() >= VALUES + 10) {
+        const uint16_t rate = static_cast<uint16_t>(value16(f, 8));
+        if (rate != 0) stUIStatus.u8VideoCurrentFrames = rate;
+      }
       event_distrubution(EV_PLAY_LENGTH);
       break;
     }
@@ -440,32 +492,43 @@ void tap_func(const uint8_t* frame) {
   }
 }
 
-void blind_func(const uint8_t* frame) {
-  if (frame[3] == BLIND_SAVE) stUIStatus.s8BlindSaveStatus = static_cast<char>(frame[6]);
+void blind_func(FrameBytes f) {
+  if (f[3] != BLIND_SAVE) return;
+  if (!carries(f, 1, "blind_func")) return;
+  stUIStatus.s8BlindSaveStatus = static_cast<char>(value8(f, 0));
 }
 
-void gg_func(const uint8_t* frame) {
-  switch (frame[3]) {
+void gg_func(FrameBytes f) {
+  if (f[3] > GG_SAVE) return;
+  if (!carries(f, 1, "gg_func")) return;
+  const char status = static_cast<char>(value8(f, 0));
+  switch (f[3]) {
     case GG_CLEAR:
-      stUIStatus.s8GGClearStatus = static_cast<char>(frame[6]);
+      stUIStatus.s8GGClearStatus = status;
       event_distrubution(EV_GG_CLEAR);
       break;
     case GG_GET:
-      stUIStatus.s8GGGetStatus = static_cast<char>(frame[6]);
+      stUIStatus.s8GGGetStatus = status;
       event_distrubution(EV_GG_GET);
       break;
     case GG_SAVE:
-      stUIStatus.s8GGSaveStatus = static_cast<char>(frame[6]);
+      stUIStatus.s8GGSaveStatus = status;
       event_distrubution(EV_GG_SAVE);
       break;
     default: break;
   }
 }
 
-void updata_func(const uint8_t* frame) {
-  switch (frame[3]) {
-    case UPDATA_STATE: stUIStatus.s8Updata_state = static_cast<char>(frame[6]); break;
-    case UPDATA_RESULT: stUIStatus.s8Updata_result = static_cast<char>(frame[6]); break;
+void updata_func(FrameBytes f) {
+  switch (f[3]) {
+    case UPDATA_STATE:
+      if (!carries(f, 1, "updata_func")) return;
+      stUIStatus.s8Updata_state = static_cast<char>(value8(f, 0));
+      break;
+    case UPDATA_RESULT:
+      if (!carries(f, 1, "updata_func")) return;
+      stUIStatus.s8Updata_result = static_cast<char>(value8(f, 0));
+      break;
     case UPDATA_START_NOTICE:
       if (updata_notice_flag == 0) {
         updata_notice_flag = 2;
@@ -474,7 +537,8 @@ void updata_func(const uint8_t* frame) {
           GUI_SEND_BLIND_MSG(BLIND_CURSOR_SWITCH);
         }
         Inf_LinkNavigate(UPDATA_WINDOW);
-        sleep_ms(1000);
+        // The update page opens meanwhile: the records are released while the listener waits.
+        records_sleep_ms(1000);
       } else {
         stUIStatus.s8Updata_check = 3;
         GUI_SEND_UPDATA_MSG(UPDATA_CHECK);
@@ -485,14 +549,16 @@ void updata_func(const uint8_t* frame) {
   event_distrubution(EV_UPDATA);
 }
 
-void ballistic_func(const uint8_t* frame) {
-  result_ball.moaV = frame_float(frame + 6);
-  result_ball.moaH = frame_float(frame + 10);
+void ballistic_func(FrameBytes f) {
+  if (!carries(f, 8, "ballistic_func")) return;
+  result_ball.moaV = frame_float(f.subspan(VALUES, 4).data());
+  result_ball.moaH = frame_float(f.subspan(VALUES + 4, 4).data());
   event_distrubution(EV_BALLISTIC_RESULT);
 }
 
-void wind_info_func(const uint8_t* frame) {
-  stUIStatus.wind_connect_state = static_cast<char>(frame[6]);
+void wind_info_func(FrameBytes f) {
+  if (!carries(f, 1, "wind_info_func")) return;
+  stUIStatus.wind_connect_state = static_cast<char>(value8(f, 0));
   std::printf("stUIStatus.wind_connect_state = %d\n", stUIStatus.wind_connect_state);
 }
 
@@ -504,23 +570,27 @@ void uiOperationControl(uint8_t* frame, uint32_t length) {
     frames_dropped.fetch_add(1, std::memory_order_relaxed);
     return;
   }
-  switch (frame[2]) {
-    case 0: basic_func(frame); break;
-    case 1: IrInfo_func(frame); break;
-    case 4: RabgeValueRefressh_func(frame); break;
-    case 5: wifi_func(frame); break;
-    case 6: compass_func(frame); break;
-    case 7: key_message(frame); break;
-    case 15: battery_func(frame); break;
-    case 16: parameter_func(frame); break;
-    case 22: Reticle_PositionSet_func(frame); break;
-    case 23: tap_func(frame); break;
-    case 24: blind_func(frame); break;
-    case 25: gg_func(frame); break;
-    case 26: updata_func(frame); break;
-    case 27: ballistic_func(frame); break;
+  uiOperationDispatch(FrameBytes(frame, frame[1]));
+}
+
+void uiOperationDispatch(FrameBytes f) {
+  switch (f[2]) {
+    case 0: basic_func(f); break;
+    case 1: IrInfo_func(f); break;
+    case 4: RabgeValueRefressh_func(f); break;
+    case 5: wifi_func(f); break;
+    case 6: compass_func(f); break;
+    case 7: key_message(f); break;
+    case 15: battery_func(f); break;
+    case 16: parameter_func(f); break;
+    case 22: Reticle_PositionSet_func(f); break;
+    case 23: tap_func(f); break;
+    case 24: blind_func(f); break;
+    case 25: gg_func(f); break;
+    case 26: updata_func(f); break;
+    case 27: ballistic_func(f); break;
     case 28: event_distrubution(EV_RECOIL_TRIGGERED); break;
-    case 29: wind_info_func(frame); break;
+    case 29: wind_info_func(f); break;
     default: break;
   }
 }

@@ -13,6 +13,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <span>
 
 #include "msg/msg.h"
 
@@ -321,21 +322,27 @@ typedef enum { SCREEN_EVENT_LIST(SCREEN_EVENT_ENUM_ITEM) } SCREEN_EVENT;
 // ---- the hand-off from the listener thread to the user interface thread ----
 // Screen events, navigations and key posts go through one ordered mailbox that the UI thread
 // drains from an idle function; the toolkit's 20-entry cross-thread queue then holds at most one
-// drain request (plus one bounded batch of posted keys). A screen event raised while the same
-// number is still pending is folded into it: its handlers re-read the records, so nothing is lost.
+// drain request (plus one bounded batch of posted keys, and one request of the listener for the
+// shared records). Every raised screen event is dispatched once, in the order raised.
+//
+// How much can wait: while the main loop runs, the listener applies frames only in the records'
+// gate, which stays shut while LINK_ITEMS_PER_PASS items wait; so the mailbox holds at most one
+// pass plus what the last frame let in raises (a handful). More can pile up only while the UI
+// thread sleeps with the records released (the observation screen's first-status wait, before
+// the main loop runs) or when page code raises many events in one handler: the capacities below
+// leave room for far more than that, and what goes beyond is dropped with an [ERROR] line.
 inline constexpr int LINK_KEY_CAPACITY = 256;       // button presses waiting for the UI thread
 inline constexpr int LINK_KEY_POSTS_PER_PASS = 16;  // key posts per drain pass (of 20 queue slots)
 inline constexpr int LINK_ITEMS_PER_PASS = 64;      // mailbox items per drain pass
 inline constexpr int LINK_NAVIGATION_CAPACITY = 32;
-inline constexpr int LINK_EVENT_CAPACITY = 256;  // events outside the folded range that may wait
+inline constexpr int LINK_EVENT_CAPACITY = 1024;  // screen events waiting for the UI thread
 
 // Counters of the device link, for diagnostics, tests and benchmarks.
 typedef struct {
   uint64_t frames_received;      // messages of type 0x21 given to uiOperationControl
   uint64_t frames_dropped;       // failed the frame check, L below 6, or type above 29
   uint64_t events_raised;        // event_distrubution calls
-  uint64_t events_folded;        // raises merged into a pending event of the same number
-  uint64_t events_dropped;       // unfoldable events beyond LINK_EVENT_CAPACITY
+  uint64_t events_dropped;       // refused because LINK_EVENT_CAPACITY events were waiting
   uint64_t events_dispatched;    // dispatched to the window manager on the UI thread
   uint64_t keys_queued;          // button presses accepted into the mailbox
   uint64_t keys_dropped;         // presses refused because LINK_KEY_CAPACITY was reached
@@ -360,7 +367,14 @@ void Inf_LinkReset(void);
 
 // ---- inbound ----
 void msgEventCallback(Inf_MsgText* text, void* ctx);
+// Checks the frame, then dispatches it (uiOperationDispatch) unless its type is above 29.
 void uiOperationControl(uint8_t* frame, uint32_t length);
+// A checked frame as its handler sees it: bytes 0 .. L-1 (header, L, type, command, sub,
+// reserved, values), without the checksum and trailer.
+using FrameBytes = std::span<const uint8_t>;
+// Dispatches a checked frame to the handler of its type. The handler reads no byte beyond the
+// span: a frame too short for the values it reads is ignored with one line.
+void uiOperationDispatch(FrameBytes frame);
 int32_t Protocol_parse(const uint8_t* frame);
 uint8_t check_num(const uint8_t* bytes, int count);
 // Raises screen event `event` (8192 + offset) on the UI thread. Callable from any thread.

@@ -77,16 +77,7 @@ inline int u8(char c) {
   return static_cast<unsigned char>(c);
 }
 
-// Little-endian values of a frame.
-inline int16_t le16(const uint8_t* p) {
-  return static_cast<int16_t>(p[0] | (p[1] << 8));
-}
-inline uint64_t le64(const uint8_t* p) {
-  uint64_t v = 0;
-  for (int i = 7; i >= 0; --i)
-    v = (v << 8) | p[i];
-  return v;
-}
+// A 16-bit value little-endian into an outbound frame.
 inline void put_le16(uint8_t* p, int v) {
   p[0] = static_cast<uint8_t>(v & 0xFF);
   p[1] = static_cast<uint8_t>((v >> 8) & 0xFF);

@@ -9,6 +9,7 @@
 #include <mutex>
 
 #include "awtk.h"
+#include "common/records_lock.h"
 #include "common/status_records.h"
 
 using namespace msghandler_internal;
@@ -369,9 +370,9 @@ int32_t GUI_SEND_RETICLE_MSG(uint8_t index) {
     case RETICLE_GROUP:
       bytes[3] = IR_Cursor.u8CurrentGroup;
       event_distrubution(EV_RETICLE_MOVE);
-      sleep_ms(1);
+      records_sleep_ms(1);
       event_distrubution(EV_BALLISTIC_PROFILE);
-      sleep_ms(1);
+      records_sleep_ms(1);
       event_distrubution(EV_ZOOM);
       event_distrubution(EV_BALLISTIC_RESULT);
       reticleHandlerToApp(bytes);
@@ -385,9 +386,9 @@ int32_t GUI_SEND_RETICLE_MSG(uint8_t index) {
       }
       bytes[3] = IR_Cursor.group[group].u8CurrentZero;
       event_distrubution(EV_RETICLE_MOVE);
-      sleep_ms(1);
+      records_sleep_ms(1);
       event_distrubution(EV_BALLISTIC_PROFILE);
-      sleep_ms(1);
+      records_sleep_ms(1);
       event_distrubution(EV_ZOOM);
       reticleHandlerToApp(bytes);
       break;

@@ -3,14 +3,15 @@
 // Inbound frames arrive on the listener thread. A handler writes the shared records first and
 // then raises a screen event, posts a key or asks for a navigation; those three go through one
 // ordered mailbox that the UI thread drains, so no widget is touched off the UI thread and the
-// order of effects is the order the handler issued them.
+// order of effects is the order the handler issued them. Every raised event is delivered once:
+// the mailbox is bounded, and the listener is let in to add more (the records' gate) only while
+// the mailbox holds less than one drain pass.
 #include "msg/msghandler.h"
 #include "msg/msghandler_internal.h"
 
 #include <cstdio>
 
 #include <algorithm>
-#include <array>
 #include <atomic>
 #include <deque>
 #include <mutex>
@@ -19,6 +20,7 @@
 #include "awtk.h"
 #include "main_loop/main_loop_simple.h"
 #include "common/navigator.h"
+#include "common/records_lock.h"
 #include "common/status_records.h"
 
 using namespace msghandler_internal;
@@ -40,13 +42,10 @@ struct MailItem {
   std::string name;          // NAVIGATE: the window name
 };
 
-constexpr int FOLD_RANGE = 256;  // event numbers EVT_USER_START .. +255 fold while pending
-
 struct Mailbox {
   std::mutex lock;
   std::deque<MailItem> items;
-  std::array<bool, FOLD_RANGE> event_pending{};
-  int unfoldable_events = 0;
+  int events = 0;
   int keys = 0;
   int navigations = 0;  // queued or running
   std::string last_navigation;
@@ -99,23 +98,16 @@ void mail_event(int event) {
   mail_append([event] {
     Inf_LinkStats& st = mailbox.stats;
     st.events_raised++;
-    int slot = event - EVT_USER_START;
-    bool foldable = slot >= 0 && slot < FOLD_RANGE;
-    if (foldable && mailbox.event_pending[slot]) {
-      st.events_folded++;
+    if (mailbox.events >= LINK_EVENT_CAPACITY) {
+      st.events_dropped++;
+      std::printf(
+          "[ERROR] device link: %d screen events wait for the UI thread, event %d dropped "
+          "(%llu dropped so far)\n",
+          mailbox.events, event, static_cast<unsigned long long>(st.events_dropped));
+      std::fflush(stdout);
       return false;
     }
-    if (!foldable) {
-      if (mailbox.unfoldable_events >= LINK_EVENT_CAPACITY) {
-        st.events_dropped++;
-        std::printf("[ERROR] device link: %d events wait for the UI thread, event %d dropped\n",
-                    mailbox.unfoldable_events, event);
-        return false;
-      }
-      mailbox.unfoldable_events++;
-    } else {
-      mailbox.event_pending[slot] = true;
-    }
+    mailbox.events++;
     MailItem item;
     item.kind = MailKind::EVENT;
     item.event = event;
@@ -123,6 +115,14 @@ void mail_event(int event) {
     return true;
   });
 }
+
+// The records' gate stays shut while a whole drain pass waits: the listener applies no further
+// frame until the UI thread has taken them, so a flood from the device waits on its queue.
+bool mailbox_full() {
+  std::lock_guard<std::mutex> guard(mailbox.lock);
+  return mailbox.items.size() >= static_cast<size_t>(LINK_ITEMS_PER_PASS);
+}
+[[maybe_unused]] const bool gate_limit_set = (records_set_gate_limit(mailbox_full), true);
 
 void mail_call(void (*call)()) {
   mail_append([call] {
@@ -179,14 +179,7 @@ ret_t on_idle(const idle_info_t* idle) {
       continue;
     }
 
-    if (item.kind == MailKind::EVENT) {
-      int slot = item.event - EVT_USER_START;
-      if (slot >= 0 && slot < FOLD_RANGE) {
-        mailbox.event_pending[slot] = false;
-      } else {
-        mailbox.unfoldable_events--;
-      }
-    }
+    if (item.kind == MailKind::EVENT) mailbox.events--;
 
     // Page code runs now and may block in a nested main loop (a modal dialog). While it runs
     // this drain does not count as running, and a continuation is armed when items remain, so
@@ -335,8 +328,7 @@ void Inf_LinkReset(void) {
   {
     std::lock_guard<std::mutex> guard(mailbox.lock);
     mailbox.items.clear();
-    mailbox.event_pending.fill(false);
-    mailbox.unfoldable_events = 0;
+    mailbox.events = 0;
     mailbox.keys = 0;
     mailbox.navigations = 0;
     mailbox.last_navigation.clear();

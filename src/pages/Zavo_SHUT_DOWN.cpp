@@ -9,6 +9,7 @@
 
 #include "common/common_function.h"
 #include "common/navigator.h"
+#include "common/records_lock.h"
 #include "common/status_records.h"
 #include "msg/msghandler.h"
 #include "pages/Zavo_home_page_1.h"
@@ -34,9 +35,10 @@ void shut_down() {
   stop_recording_first();
   if (timer_id_RAV != 0) {
     GUI_SEND_RECOIL_MSG(RECOIL_BREAKOUT);
-    sleep_ms(RECOIL_STOP_WAIT_MS);
+    records_sleep_ms(RECOIL_STOP_WAIT_MS);
   }
-  sleep_ms(SHUT_DOWN_WAIT_MS);
+  // The waits let the device link in (the shared records are released while this thread sleeps).
+  records_sleep_ms(SHUT_DOWN_WAIT_MS);
   GUI_SEND_BASIC_FUNCTION_MSG(BASIC_SHUT_DOWN);
 }
 

@@ -9,6 +9,7 @@
 
 #include "common/common_function.h"
 #include "common/navigator.h"
+#include "common/records_lock.h"
 #include "common/status_records.h"
 #include "msg/msghandler.h"
 #include "pages/Zavo_file_menu.h"
@@ -155,6 +156,22 @@ void key_range_switch(widget_t* win) {
   on_RangeValue_Reset_event(win, NULL);
 }
 
+// Opens a menu above the screen, the compass read-outs hidden under it until the screen is back
+// on top. When no window opens above the screen (the navigator refused: no layout, a bad name),
+// the screen stays as it was: read-outs, occlusion flag and the menu's starting row.
+void open_menu(widget_t* win, const char* name, uint8_t menu1_index) {
+  const char occlusion = stUIStatus.s8CompassTempOcclusion;
+  const uint8_t index = Zavo_menu1_index;
+  stUIStatus.s8CompassTempOcclusion = 1;
+  on_Zavo_compass_display(win, NULL);
+  Zavo_menu1_index = menu1_index;
+  navigator_to(name);
+  if (window_manager_get_top_window(window_manager()) != win) return;
+  stUIStatus.s8CompassTempOcclusion = occlusion;
+  Zavo_menu1_index = index;
+  on_Zavo_compass_display(win, NULL);
+}
+
 ret_t on_key_pressed_event(void* ctx, event_t* e) {
   widget_t* win = static_cast<widget_t*>(ctx);
   key_event_t* evt = key_event_cast(e);
@@ -163,17 +180,8 @@ ret_t on_key_pressed_event(void* ctx, event_t* e) {
   switch (evt->key) {
     case GUI_KEY_PHOTO_L: key_take_photo(win); break;
     case GUI_KEY_PHOTO_S: key_toggle_recording(win); break;
-    case GUI_KEY_FUCTION_S:
-      stUIStatus.s8CompassTempOcclusion = 1;
-      on_Zavo_compass_display(win, NULL);
-      navigator_to("Zavo_shortcut_menu");
-      break;
-    case GUI_KEY_FUCTION_L:
-      stUIStatus.s8CompassTempOcclusion = 1;
-      on_Zavo_compass_display(win, NULL);
-      Zavo_menu1_index = 1;
-      navigator_to("Zavo_menu1");
-      break;
+    case GUI_KEY_FUCTION_S: open_menu(win, "Zavo_shortcut_menu", Zavo_menu1_index); break;
+    case GUI_KEY_FUCTION_L: open_menu(win, "Zavo_menu1", 1); break;
     case GUI_KEY_RANGE_S: key_range_measure(win); break;
     case GUI_KEY_RANGE_L: key_range_switch(win); break;
     default: break;
@@ -226,12 +234,14 @@ ret_t Zavo_home_page_1_init(widget_t* win, void* ctx) {
 
   stUIStatus.s8CurrentMenu = 0;
   GUI_SEND_BASIC_FUNCTION_MSG(BASIC_MENU_LEVEL);
-  stUIStatus.s16BatteryValue = 600;  // until the device reports
+  // A placeholder until the device reports; a level it has already reported stays.
+  if (stUIStatus.s8BatteryReported == 0) stUIStatus.s16BatteryValue = 600;
 
   // The screen must not draw stale settings: wait, without a time-out, until the device link
-  // has delivered the first full status.
+  // has delivered the first full status. The records are released while it sleeps, so that
+  // the listener can store them.
   while (stUIStatus.event_distrubut_reday == 0)
-    sleep_ms(100);
+    records_sleep_ms(100);
 
   // Forced whatever the device reported.
   stDevStatus.s8ReticleMenuSwitch = 1;

@@ -11,7 +11,7 @@
 #include <cstdint>
 #include <cstdio>
 
-#include "common/Zavo_reticle_zoom.h"
+#include "pages/Zavo_home_page_1_zoom.h"
 #include "common/common_function.h"
 #include "common/status_records.h"
 #include "pages/Zavo_home_page_1_overlay.h"

@@ -10,7 +10,7 @@
 //
 // The reticle overlay functions live in Zavo_home_page_1_reticle.cpp, the aim point, markers and
 // zoom step in Zavo_home_page_1_aim.cpp, the per-shape zoom geometry in
-// common/Zavo_reticle_zoom.cpp.
+// Zavo_home_page_1_zoom.cpp.
 #ifndef SCOPE_PAGES_ZAVO_HOME_PAGE_1_OVERLAY_H
 #define SCOPE_PAGES_ZAVO_HOME_PAGE_1_OVERLAY_H
 

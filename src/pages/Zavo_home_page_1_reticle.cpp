@@ -9,7 +9,7 @@
 #include <cstring>
 #include <iterator>
 
-#include "common/Zavo_reticle_zoom.h"
+#include "pages/Zavo_home_page_1_zoom.h"
 #include "common/common_function.h"
 #include "common/status_records.h"
 #include "pages/Zavo_home_page_1_overlay.h"

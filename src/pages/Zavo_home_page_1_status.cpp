@@ -491,6 +491,7 @@ void home_record_resume(widget_t* win) {
   if (record_status.status != 1) return;
   set_visible(win, "video_view", true);
   record_status.timer_id = static_cast<int32_t>(widget_add_timer(win, on_Zavo_record_start, 200));
+  stUIStatus.s8RecordingState = record_status.status;
 }
 
 // Back to the state of a process that has not opened the page yet: timer ids forgotten (not

@@ -9,7 +9,7 @@
 #include <string_view>
 #include <cstdlib>
 
-#include "common/Zavo_reticle_zoom.h"
+#include "common/reticle_colors.h"
 #include "common/common_function.h"
 #include "common/cursor_mover.h"
 #include "common/menu_rows.h"

@@ -25,6 +25,7 @@
 
 #include "common/common_function.h"
 #include "common/navigator.h"
+#include "common/records_lock.h"
 #include "common/status_records.h"
 #include "framedec.h"
 #include "home_scene.h"
@@ -167,8 +168,11 @@ class PageTest : public ::testing::Test {
     std::memcpy(m.msg_text.context, frame.data(), frame.size());
     const uint64_t before = Inf_MsgReceivedCount();
     ASSERT_EQ(msgsnd(recv_q_, &m, MSG_TEXT_SIZE, 0), 0);
+    // This thread holds the shared records (it is the user interface thread): it lets the
+    // listener have them while it waits.
     const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(5);
     while (Inf_MsgReceivedCount() == before && std::chrono::steady_clock::now() < deadline) {
+      records_sleep_ms(0);
       std::this_thread::sleep_for(std::chrono::microseconds(200));
     }
     ASSERT_GT(Inf_MsgReceivedCount(), before) << "the listener never took the frame";

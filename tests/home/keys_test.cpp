@@ -149,6 +149,7 @@ TEST_F(HomeKeysTest, LongRangeKeySwitchesTheFinderOnUnlessTheBatteryIsLow) {
 }
 
 TEST_F(HomeKeysTest, FunctionKeysHideTheCompassAndOpenTheMenusOtherKeysDoNothing) {
+  use_menus(true);
   open_home();
   for (uint32_t key : {GUI_KEY_POWER_S, GUI_KEY_FOCUS_UP_S, GUI_KEY_FOCUS_DOWN_S})
     tk_testing_key_hit(key);
@@ -160,6 +161,47 @@ TEST_F(HomeKeysTest, FunctionKeysHideTheCompassAndOpenTheMenusOtherKeysDoNothing
   EXPECT_EQ(Zavo_menu1_index, 1);
   EXPECT_FALSE(shown("compass_azimuth"));
   EXPECT_TRUE(shown("compass_pitch"));
+  EXPECT_EQ(top_name(), "Zavo_menu1");
+  // Back on top, the screen shows the compass again.
+  navigator_back();
+  tk_testing_advance(0);
+  EXPECT_EQ(top_name(), "Zavo_home_page_1");
+  EXPECT_EQ(stUIStatus.s8CompassTempOcclusion, 0);
+  EXPECT_TRUE(shown("compass_azimuth") && shown("compass_pitch") && shown("compass_slant"));
+}
+
+TEST_F(HomeKeysTest, AMenuTheNavigatorRefusesLeavesTheScreenAsItWas) {
+  use_menus(false);
+  open_home();
+  Zavo_menu1_index = 4;
+  for (uint32_t key : {GUI_KEY_FUCTION_S, GUI_KEY_FUCTION_L}) {
+    tk_testing_key_hit(key);
+    EXPECT_EQ(tk_testing_window_names().back(), "Zavo_home_page_1") << key;
+    EXPECT_EQ(stUIStatus.s8CompassTempOcclusion, 0) << key;
+    EXPECT_TRUE(shown("compass_azimuth") && shown("compass_pitch") && shown("compass_slant"))
+        << key;
+    EXPECT_EQ(Zavo_menu1_index, 4) << key;
+  }
+  // A device frame that asks for the compass again still shows all three read-outs.
+  from_device(home_test::device_frame(6, 0, 0, {0, 90, 0}));
+  EXPECT_TRUE(shown("compass_azimuth") && shown("compass_slant"));
+}
+
+TEST_F(HomeKeysTest, ThePowerKeyOfTheDeviceWhileRecordingShowsTheTipInsteadOfTheStandby) {
+  // The link decides from the record field the screen keeps while its recording clock runs.
+  open_home();
+  tk_testing_key_hit(GUI_KEY_PHOTO_S);
+  ASSERT_EQ(stUIStatus.s8RecordingState, 1);
+  sent_frames();
+  from_device(home_test::device_frame(7, 0, 0, {KEY_POWER_S}));
+  EXPECT_TRUE(shown("view_tip_record"));
+  EXPECT_FALSE(shown("view_standby"));
+  EXPECT_EQ(stUIStatus.s8InterfaceState, INTERFACE_OBSERVE);
+  tk_testing_key_hit(GUI_KEY_PHOTO_S);  // stopped: the same key darkens the screen
+  ASSERT_EQ(stUIStatus.s8RecordingState, 0);
+  from_device(home_test::device_frame(7, 0, 0, {KEY_POWER_S}));
+  EXPECT_EQ(stUIStatus.s8InterfaceState, INTERFACE_AOD);
+  EXPECT_TRUE(shown("view_standby"));
 }
 
 }  // namespace

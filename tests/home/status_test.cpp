@@ -32,7 +32,7 @@ TEST_F(HomeStatusTest, BatteryIconPercentAndShutDownThresholdsThroughTheLink) {
 TEST_F(HomeStatusTest, LowBatteryShutDownIsRefusedDuringRestoreFormatOrShutDown) {
   for (const char* blocker : {"Zavo_Restoring", "Zavo_format_restart", "Zavo_SHUT_DOWN"}) {
     tk_testing_reset();
-    stUIStatus.low_battery_shutdown = 0;
+    home_scene_records();  // no level reported yet: the screen starts on its placeholder
     open_home();
     const std::string xml = std::string("<window name=\"") + blocker + "\" x=\"0\" y=\"0\"/>";
     ASSERT_NE(tk_testing_open_xml(blocker, xml.c_str()), nullptr);
@@ -153,6 +153,7 @@ TEST_F(HomeStatusTest, ColourMapIconByPolarityUnknownValuesLeaveIt) {
 }
 
 TEST_F(HomeStatusTest, CompassAnglesAndPitchStayingWhileAMenuOccludesTheOthers) {
+  use_menus(true);
   open_home();
   // Compass frames: type 6, command 0, sub-command = the angle, sign byte, magnitude LE.
   from_device(device_frame(6, 0, 0, {0, 225, 0}));

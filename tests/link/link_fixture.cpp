@@ -1,9 +1,12 @@
 #include "link_fixture.h"
 
+#include "common/records_lock.h"
+
 #include <sys/ipc.h>
 #include <sys/msg.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <chrono>
 #include <cstdlib>
 #include <cstring>
@@ -90,16 +93,24 @@ ret_t LinkTest::on_event(void* ctx, event_t* e) {
 }
 
 void LinkTest::deliver_all(const std::vector<Frame>& frames) {
+  // The listener is a real thread. The test thread is the user interface thread and holds the
+  // shared records: while it waits for the queue to take a frame, and then for the listener to
+  // handle them all, it lets the listener have them (as the main loop's gate does, without
+  // running the main loop). On any other thread this is a plain wait.
+  const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
   for (const Frame& f : frames) {
-    // A blocking send: the listener drains the queue while the test fills it.
     const Inf_MsgEvent event = message(f);
-    ASSERT_EQ(msgsnd(device_out_, &event, MSG_TEXT_SIZE, 0), 0);
+    while (msgsnd(device_out_, &event, MSG_TEXT_SIZE, IPC_NOWAIT) != 0) {
+      ASSERT_EQ(errno, EAGAIN);
+      ASSERT_LT(std::chrono::steady_clock::now(), deadline) << "the queue stayed full";
+      records_sleep_ms(0);
+      std::this_thread::sleep_for(std::chrono::microseconds(50));
+    }
     delivered_++;
   }
-  // The listener is a real thread: wait (in real time, briefly) until it has handled them.
-  const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
   while (Inf_MsgReceivedCount() < delivered_) {
     ASSERT_LT(std::chrono::steady_clock::now(), deadline) << "the listener did not take the frames";
+    records_sleep_ms(0);
     std::this_thread::sleep_for(std::chrono::microseconds(50));
   }
 }

@@ -62,7 +62,7 @@ void fill_records() {
   IR_Cursor.group[1].zero[2] = {274, 300, 650, 630};
   info[0].ballistics_sw = 1;
   Info_ballistics& p = info[1];
-  p.gun.bullet = {1.24, 0.308, 175, 0.505, 4, 790, {0, 98.5f, -5, 40}, 1, MRAD, 0, 0, 0.3, 0};
+  p.gun.bullet = {1.24, 0.308, 175, 0.505, 4, 790, {0, 98.5f, -5, 40}, 1, MRAD, 1.5, -2.25, 0.3, -0.75};
   p.gun.scope = {100, 109, 4.5, MOA, 0, 0};
   p.gun.riflingRange = 10;
   p.gun.direction = RIGHT;
@@ -143,8 +143,9 @@ TEST_F(Outbound, EverySenderFramesTheFieldsItsIndexNames) {
        "18 04 00 00 02"},
       {each(GUI_SEND_GG_MSG, {0, 1, 2, 3}), "19 00 ff 00 00, 19 01 ff 00 00, 19 02 ff 00 00"},
       {each(GUI_SEND_UPDATA_MSG, {0, 1, 2, 3}), "aa 07 1a 01 ff 00 01 cc eb aa, 1a 02 ff 00 02"},
-      {each(GUI_SEND_RECOIL_MSG, {0, 1, 2, 3, 4, 5, 6, 7}),  // five raises, one pending event
-       "1c 00 ff 00 01, 1c 01 ff 00 05, 1c 02 ff 00 0a, 1c 03 ff 00 02, 1c 06 ff 00 01", {8250}},
+      {each(GUI_SEND_RECOIL_MSG, {0, 1, 2, 3, 4, 5, 6, 7}),  // one raise for each frame
+       "1c 00 ff 00 01, 1c 01 ff 00 05, 1c 02 ff 00 0a, 1c 03 ff 00 02, 1c 06 ff 00 01",
+       {8250, 8250, 8250, 8250, 8250}},
       {[] { GUI_SEND_DISTANCE_FUNCTION_MSG(1, 3); }, "aa 07 04 07 01 00 03 c0 eb aa"},
       {ballistic(0, {0, 1, 9}),
        "aa 0a 1b 00 00 00 01 00 00 00 d0 eb aa, 1b 00 01 00 01 00 00 00, 1b 00 09 00 00 00 00 00",
@@ -162,11 +163,16 @@ TEST_F(Outbound, EverySenderFramesTheFieldsItsIndexNames) {
        "1b 01 09 00 00 80 45 44"},
       {ballistic(2, {0, 1}),
        "BALLISTIC BALLISTIC_TWIST_INFO item=0 value=10, 1b 02 01 00 01 00 00 00"},
-      {ballistic(3, {0, 1, 2, 3, 4, 7}),
+      // Items 5..8 carry the four zero offsets, each its own (vertical and horizontal MOA, then
+      // MRAD); item 9 is none of them.
+      {ballistic(3, {0, 1, 2, 3, 4, 5, 6, 7, 8, 9}),
        "1b 03 00 00 01 00 00 00, BALLISTIC BALLISTIC_ZEROWEATHER_LENSOFFSET item=1 value=-5, "
        "BALLISTIC BALLISTIC_ZEROWEATHER_LENSOFFSET item=2 value=98.5, "
        "BALLISTIC BALLISTIC_ZEROWEATHER_LENSOFFSET item=3 value=40, 1b 03 04 00 01 00 00 00, "
-       "BALLISTIC BALLISTIC_ZEROWEATHER_LENSOFFSET item=7 value=0.3"},
+       "BALLISTIC BALLISTIC_ZEROWEATHER_LENSOFFSET item=5 value=1.5, "
+       "BALLISTIC BALLISTIC_ZEROWEATHER_LENSOFFSET item=6 value=-2.25, "
+       "BALLISTIC BALLISTIC_ZEROWEATHER_LENSOFFSET item=7 value=0.3, "
+       "aa 0a 1b 03 08 00 00 00 40 bf d9 eb aa, 1b 03 09 00 00 00 00 00"},
       {ballistic(4, {0, 1, 2, 3}),  // item 0 is the temperature; other items: four zero bytes
        "BALLISTIC BALLISTIC_WEATHER item=0 value=21, BALLISTIC BALLISTIC_WEATHER item=1 value=97, "
        "BALLISTIC BALLISTIC_WEATHER item=2 value=60, 1b 04 03 00 00 00 00 00"},

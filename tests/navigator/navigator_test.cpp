@@ -125,6 +125,21 @@ TEST_F(Navigator, SwitchReplaceAndClose) {
   EXPECT_EQ(tk_testing_window_names(), names{"Zavo_Reset"});
 }
 
+TEST_F(Navigator, BackClosesTheTopWindowAndBackToHomeAllAboveTheFirst) {
+  for (const char* name : {"Zavo_Settings", "Zavo_Info", "outside_table"})
+    ASSERT_EQ(settled(navigator_to(name)), RET_OK);
+  settled(navigator_back());  // the window's close request (its result: the dispatch's)
+  EXPECT_EQ(tk_testing_window_names(), (names{"Zavo_Settings", "Zavo_Info"}));
+  ASSERT_EQ(settled(navigator_to("outside_table")), RET_OK);
+  // Back to the home window (the lowest normal window), closing everything above it at once.
+  EXPECT_EQ(navigator_back_to_home(), RET_OK);
+  EXPECT_EQ(tk_testing_window_names().size(), 3u) << "the closing happens in an idle";
+  tk_testing_advance(0);
+  EXPECT_EQ(tk_testing_window_names(), names{"Zavo_Settings"});
+  EXPECT_EQ(settled(navigator_back_to_home()), RET_OK);  // already home: nothing closes
+  EXPECT_EQ(tk_testing_window_names(), names{"Zavo_Settings"});
+}
+
 TEST_F(Navigator, RequestCloseLetsThePageRefuse) {
   ASSERT_EQ(settled(navigator_to("Zavo_Reset")), RET_OK);  // closable="confirm": the page decides
   int asked = 0;
@@ -161,6 +176,8 @@ TEST(IndexStepping, BoundedAndCyclicSteps) {
     const char* printed;
   } steps[] = {
       {GUI_KEY_PHOTO_S, 0, 3, 3, 0, 0, ""},     // down past the last row wraps to the first
+      {GUI_KEY_PHOTO_S, 0, 3, 2, 0, 3, ""},     // but from the row before it reaches the last
+      {GUI_KEY_FOCUS_UP_S, 0, 3, 1, 0, 0, ""},  // and from the second row the first
       {GUI_KEY_FOCUS_UP_S, 0, 3, 0, 0, 3, ""},  // any other key steps down, wrapping to the last
       {GUI_KEY_RANGE_S, 0, 3, 1, 0, 0, ""},     // in mode 0 the range keys step down
       {GUI_KEY_PHOTO_L, 1, 10, 4, 0, 5, ""},
@@ -184,6 +201,7 @@ TEST(IndexStepping, BoundedAndCyclicSteps) {
     const char* printed;
   } cycles[] = {
       {1, 3, 3, 1, ""},
+      {1, 3, 2, 3, ""},  // the last is reached from the one before
       {0, 2, 5, 0, "!!!!!!!!!!cycle para null error\n"},
       {4, 1, 0, 1,
        "!!!!!!!!!!cycle para null error\n!!!!!!!!!!cycle para minval(4) > maxval(1) error\n"},

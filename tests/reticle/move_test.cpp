@@ -1,7 +1,7 @@
 // The alignment page "Zavo_reticle_move": single steps and fast moves of the aim point with their
 // limits, reset, the zero letter, freeze, the preview mark and its zoom rule, the exit notice;
 // observed as frames, widgets and windows. The zoom and the shutter come from the device.
-#include "common/Zavo_reticle_zoom.h"
+#include "common/reticle_colors.h"
 #include "framedec.h"
 #include "reticle_fixture.h"
 

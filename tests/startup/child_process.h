@@ -75,6 +75,12 @@ class ChildProcess {
                       timeout);
   }
 
+  // True once the program has ended.
+  bool ended() {
+    if (pid_ > 0 && waitpid(pid_, nullptr, WNOHANG) != 0) pid_ = -1;
+    return pid_ < 0;
+  }
+
   std::string output() const {
     std::stringstream text;
     text << std::ifstream(log_).rdbuf();

@@ -6,8 +6,13 @@
 #include <sys/ipc.h>
 #include <sys/msg.h>
 
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <chrono>
+#include <cstdint>
 #include <filesystem>
+#include <fstream>
 #include <regex>
 #include <string>
 #include <thread>
@@ -43,15 +48,15 @@ class StartUp : public DeviceTreeTest {
       msgctl(msgget(key, 0), IPC_RMID, nullptr);
   }
 
-  void start_both() {
+  // The simulator, then the UI with `args` and `env` added to its own variables.
+  void start_both(std::vector<std::string> args = {}, std::vector<std::string> env = {}) {
     const std::string keys =
         "SCOPE_MSG_KEYS=" + std::to_string(keys_[0]) + "," + std::to_string(keys_[1]);
     ASSERT_TRUE(sim_.start(DEVSIM_PATH, {"--no-schedule"}, {keys}, at("/devsim.log")));
     ASSERT_TRUE(sim_.wait_for("(to the UI) open", kDeadline)) << sim_.output();
-    ASSERT_TRUE(
-        ui_.start(INF_MENU_PATH, {},
-                  {keys, "SCOPE_UI_ROOT=" + root_.string(), "TK_HEADLESS=1", "TK_TIME_SCALE=20"},
-                  at("/inf_menu.log")));
+    env.insert(env.end(),
+               {keys, "SCOPE_UI_ROOT=" + root_.string(), "TK_HEADLESS=1", "TK_TIME_SCALE=20"});
+    ASSERT_TRUE(ui_.start(INF_MENU_PATH, args, env, at("/inf_menu.log")));
   }
 
   // Asks the UI which screen is up, query after query, until one answer is the home screen. The
@@ -114,6 +119,85 @@ TEST_F(StartUp, ReachesTheObservationScreenThroughTheBootLogoInTheConfiguredLang
   const size_t ui = versions.find("UI:");
   EXPECT_NE(out.find(versions.substr(ui, versions.size() - 1 - ui) + ".\n"), npos) << out;
   EXPECT_EQ(out.find("condition("), npos) << "a check failed during start-up:\n" << out;
+}
+
+// Width and height of a PNG file from its header; 0 x 0 when it cannot be read.
+std::pair<uint32_t, uint32_t> png_size(const std::string& path) {
+  std::ifstream in(path, std::ios::binary);
+  unsigned char header[24] = {0};
+  if (!in.read(reinterpret_cast<char*>(header), sizeof(header))) return {0, 0};
+  auto be32 = [&](int at) {
+    return static_cast<uint32_t>(header[at] << 24 | header[at + 1] << 16 | header[at + 2] << 8 |
+                                 header[at + 3]);
+  };
+  return {be32(16), be32(20)};
+}
+
+TEST_F(StartUp, ScreenWidthAndHeightComeFromTheCommandLine) {
+  struct Case {
+    std::vector<std::string> args;
+    uint32_t w, h;
+    const char* printed;
+  };
+  const Case cases[] = {
+      {{"640", "480"}, 640, 480, ""},
+      {{"800"}, 800, 1024, ""},  // the height stays 1024
+      {{"wide", "-5", "arg"},
+       1280,
+       1024,
+       "inf_menu: bad screen size <wide>, using 1280\ninf_menu: bad screen size <-5>, using "
+       "1024\n"},
+  };
+  for (const Case& c : cases) {
+    // The screen is written once the observation screen is up, and the program ends.
+    const std::string shot = at("/screen.png");
+    std::filesystem::remove(shot);
+    start_both(c.args, {"TK_SCREENSHOT=" + shot, "TK_SCREENSHOT_AFTER_MS=500"});
+    EXPECT_TRUE(ui_.wait_until([&](const std::string&) { return std::filesystem::exists(shot); },
+                               kDeadline))
+        << ui_.output();
+    EXPECT_TRUE(ui_.wait_for("application_exit", kDeadline)) << ui_.output();
+    EXPECT_EQ(png_size(shot), std::make_pair(c.w, c.h)) << c.args[0];
+    EXPECT_NE(ui_.output().find(c.printed), std::string::npos) << ui_.output();
+    ui_.stop();
+    sim_.stop();
+    remove_queues();
+  }
+}
+
+TEST_F(StartUp, AFailedQueueStartIsPrintedAndTheUIRunsOnWithoutTheLink) {
+  // The UI's send queue exists already and refuses this user (mode 0; a root test runs the UI as
+  // nobody, whom the mode applies to), so opening it fails.
+  const int refused = msgget(keys_[0], IPC_CREAT | IPC_EXCL | 0);
+  ASSERT_NE(refused, -1);
+  std::filesystem::permissions(root_, std::filesystem::perms::all);
+  for (const auto& entry : std::filesystem::recursive_directory_iterator(root_))
+    std::filesystem::permissions(entry.path(), std::filesystem::perms::all);
+  std::vector<std::string> env = {
+      "SCOPE_MSG_KEYS=" + std::to_string(keys_[0]) + "," + std::to_string(keys_[1]),
+      "SCOPE_UI_ROOT=" + root_.string(), "TK_HEADLESS=1"};
+  if (geteuid() == 0) {
+    ASSERT_TRUE(ui_.start("/usr/bin/setpriv",
+                          {"--reuid=65534", "--regid=65534", "--clear-groups", INF_MENU_PATH}, env,
+                          at("/inf_menu.log")));
+  } else {
+    ASSERT_TRUE(ui_.start(INF_MENU_PATH, {}, env, at("/inf_menu.log")));
+  }
+  // The failure is printed, the ready frame cannot go out, and the program goes on to the
+  // observation screen, which waits for the device's records (its wait has no time-out).
+  ASSERT_TRUE(ui_.wait_for("enter Zavo_home_page_1!!!", kDeadline)) << ui_.output();
+  const std::string out = ui_.output();
+  const size_t init = out.find("<MsgEvent> init msg client event!\n");
+  const size_t failed = out.find("[ERROR] msg get error!\n");
+  EXPECT_LT(init, failed) << out;
+  EXPECT_LT(failed, out.find("[ERROR] send msg event failed!\nUi to App Send failed\n")) << out;
+  EXPECT_EQ(out.find("MsgEventListen"), npos) << out;
+  // Still running a second later: nothing crashed or ended.
+  EXPECT_FALSE(ui_.wait_for("application_exit", std::chrono::seconds(1))) << ui_.output();
+  EXPECT_FALSE(ui_.ended()) << ui_.output();
+  ui_.stop();
+  msgctl(refused, IPC_RMID, nullptr);
+  EXPECT_EQ(msgget(keys_[1], 0), -1) << "the receive queue was never created";
 }
 
 }  // namespace

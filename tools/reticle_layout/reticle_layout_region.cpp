@@ -5,7 +5,7 @@
 #include <cstdio>
 #include <string_view>
 
-#include "common/Zavo_reticle_zoom.h"
+#include "pages/Zavo_home_page_1_zoom.h"
 
 namespace {
 
@@ -100,7 +100,7 @@ std::string reticle_overlay_region(const std::string& indent) {
   w.indent = indent;
   w.line(
       "<!-- Written by tools/reticle_layout from the reticle element table "
-      "(src/common/Zavo_reticle_zoom.cpp); change the table and run the tool, not this region. "
+      "(src/pages/Zavo_home_page_1_zoom.cpp); change the table and run the tool, not this region. "
       "-->");
 
   // The reticle: a 1680 x 1680 area centred on the cursor (moved to cursor - 840), one group

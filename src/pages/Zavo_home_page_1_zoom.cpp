@@ -1,5 +1,5 @@
 // Reticle colours and zoom geometry: the element table and the layout functions that read it.
-#include "common/Zavo_reticle_zoom.h"
+#include "pages/Zavo_home_page_1_zoom.h"
 
 #include <cmath>
 #include <cstdio>

@@ -1,4 +1,6 @@
-// Reticle colours and zoom geometry.
+// "Zavo_home_page_1": the observation screen's reticle zoom geometry (only this screen draws the
+// reticles and marks the table describes; their colours, which other pages show too, are in
+// common/reticle_colors.h).
 //
 // The reticles of the observation screen are groups of plain views (2-pixel lines, rings, number
 // labels) inside "view_reticle_shoot", a 1680 x 1680 area centred on the cursor whose centre
@@ -10,8 +12,8 @@
 // its base geometry (the layout at zoom 1) and its zoom coefficients. The layout functions below
 // read it, and tools/reticle_layout writes the window's overlay region from it, so the layout file
 // and the zoom code cannot disagree.
-#ifndef SCOPE_COMMON_ZAVO_RETICLE_ZOOM_H
-#define SCOPE_COMMON_ZAVO_RETICLE_ZOOM_H
+#ifndef SCOPE_PAGES_ZAVO_HOME_PAGE_1_ZOOM_H
+#define SCOPE_PAGES_ZAVO_HOME_PAGE_1_ZOOM_H
 
 #include <array>
 #include <cstddef>
@@ -20,32 +22,7 @@
 #include <string_view>
 
 #include "awtk.h"
-
-// ---- colours: toolkit colour words, alpha in the top byte, red in the low byte ----
-inline constexpr uint32_t RETICLE_COLOR_WHITE = 0xFFFFFFFF;
-inline constexpr uint32_t RETICLE_COLOR_BLACK = 0xFF000001;  // red component 1, not 0: kept so
-inline constexpr uint32_t RETICLE_COLOR_RED = 0xFF0011FF;
-inline constexpr uint32_t RETICLE_COLOR_GREEN = 0xFF00FF00;
-inline constexpr uint32_t RETICLE_COLOR_NONE = 0x00000000;  // fully transparent
-
-// First colour of every element, by s8ReticleColour 0..7.
-inline constexpr std::array<uint32_t, 8> kReticleFirstColor = {
-    RETICLE_COLOR_WHITE, RETICLE_COLOR_BLACK, RETICLE_COLOR_RED,   RETICLE_COLOR_GREEN,
-    RETICLE_COLOR_WHITE, RETICLE_COLOR_WHITE, RETICLE_COLOR_BLACK, RETICLE_COLOR_RED,
-};
-// Second colour of the centre marks for the two-colour schemes 4..7 (entry = scheme - 4).
-inline constexpr std::array<uint32_t, 4> kReticleSecondColor = {
-    RETICLE_COLOR_BLACK,
-    RETICLE_COLOR_RED,
-    RETICLE_COLOR_WHITE,
-    RETICLE_COLOR_WHITE,
-};
-// Colour of the aim-point marks and the PIP reticle ring by their colour setting 0..2.
-inline constexpr std::array<uint32_t, 3> kMarkColor = {
-    RETICLE_COLOR_WHITE,
-    RETICLE_COLOR_RED,
-    RETICLE_COLOR_GREEN,
-};
+#include "common/reticle_colors.h"
 
 // ---- geometry table ----
 
@@ -153,4 +130,4 @@ ret_t on_Zavo_ReticleShoot7_zoom(float m, widget_t* win);  // shape 7
 // The aim-point hold marks ("view_t4_*", "view_t5_*"), moved in double precision.
 ret_t on_Zavo_ballistic_zoom(float m, widget_t* win);
 
-#endif  // SCOPE_COMMON_ZAVO_RETICLE_ZOOM_H
+#endif  // SCOPE_PAGES_ZAVO_HOME_PAGE_1_ZOOM_H
