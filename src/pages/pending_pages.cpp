@@ -8,7 +8,7 @@
 
 namespace {
 
-ret_t visit_nothing(void* ctx, const void* iter) {
+[[maybe_unused]] ret_t visit_nothing(void* ctx, const void* iter) {
   (void)ctx;
   (void)iter;
   return RET_OK;
