@@ -32,6 +32,7 @@
 #include <vector>
 
 #include "common/device_path.h"
+#include "device_keys.h"
 #include "device_model.h"
 #include "framedec.h"
 #include "msg/msg.h"
@@ -223,47 +224,12 @@ struct Readings {
 
 // ---- the keys ----
 
-// One row of the key map: a terminal key, the scope's button (or the long press and its
-// release), what it does on the observation screen and what it does in the menus.
-struct KeyBinding {
-  char key;
-  uint8_t button;
-  uint8_t release;  // for a long press: its release; KEY_NULL_MAX for a short press
-  const char* name;
-  const char* on_picture;
-  const char* in_menus;
-};
-
-// Lower case: a short press. Upper case: a long press; the same key again releases it.
-constexpr uint8_t SHORT = KEY_NULL_MAX;
-constexpr KeyBinding KEYS[] = {
-    {'c', KEY_PHOTO_S, SHORT, "photo", "start/stop recording", "next row, value down"},
-    {'r', KEY_RANGE_S, SHORT, "range", "measure the distance", "previous row, value up"},
-    {'f', KEY_FUCTION_S, SHORT, "function", "image menu", "confirm, toggle, step value"},
-    {'p', KEY_POWER_S, SHORT, "power", "screen off / on", "back to the picture"},
-    {'u', KEY_FOCUS_UP_S, SHORT, "up", "focus (device)", "-"},
-    {'d', KEY_FOCUS_DOWN_S, SHORT, "down", "focus (device)", "-"},
-    {'C', KEY_PHOTO_L, KEY_PHOTO_L_POP, "photo held", "take a photo",
-     "7 s on LRF row: laser alignment"},
-    {'R', KEY_RANGE_L, KEY_RANGE_L_POP, "range held", "range finder on/off",
-     "7 s on LRF row: range marker"},
-    {'F', KEY_FUCTION_L, KEY_FUCTION_L_POP, "function held", "main menu", "back one page"},
-    {'P', KEY_POWER_L, KEY_POWER_L_POP, "power held", "shut-down countdown",
-     "countdown; release cancels"},
-    {'U', KEY_FOCUS_UP_L, KEY_FOCUS_UP_L_POP, "up held", "focus (device)", "-"},
-    {'D', KEY_FOCUS_DOWN_L, KEY_FOCUS_DOWN_L_POP, "down held", "focus (device)", "-"},
-    {'1', KEY_PHOTO_FUCTION_S, SHORT, "photo+function", "(device)", "-"},
-    {'2', KEY_RANGE_FUCTION_S, SHORT, "range+function", "laser on/off", "laser on/off"},
-    {'3', KEY_RANGE_PHOTO_S, SHORT, "range+photo", "shutter (calibration)", "shutter"},
-    {'4', KEY_UP_POWER_L, SHORT, "up+power held", "ballistic calculator", "calculator"},
-};
-
 void print_key_map() {
   std::printf(
-      "devsim keys: lower case a short press; upper case a long press, the same key again (or\n"
-      "space) its release\n");
+      "devsim keys: lower case a short press, upper case a long press; C, R and P stay held\n"
+      "until the same key again (or space) releases them\n");
   std::printf("  %-3s %-16s %-24s %s\n", "key", "button", "on the picture", "in menus");
-  for (const KeyBinding& k : KEYS) {
+  for (const devsim::KeyBinding& k : devsim::key_map()) {
     std::printf("  %-3c %-16s %-24s %s\n", k.key, k.name, k.on_picture, k.in_menus);
   }
   std::printf(
@@ -480,27 +446,15 @@ int main(int argc, char** argv) {
       quit = true;
       return;
     }
-    if (ch == ' ') {
-      for (const KeyBinding& k : KEYS) {
-        if (held.count(k.key)) send(devsim::key_frame(k.release));
+    const size_t held_before = held.size();
+    for (uint8_t button : devsim::key_buttons(ch, &held))
+      send(devsim::key_frame(button));
+    if (held.size() > held_before) {
+      for (const devsim::KeyBinding& k : devsim::key_map()) {
+        if (k.key == ch)
+          console.line(std::string("devsim: ") + k.name + "; press " + ch +
+                       " again or space to release");
       }
-      held.clear();
-      return;
-    }
-    for (const KeyBinding& k : KEYS) {
-      if (k.key != ch) continue;
-      if (k.release == SHORT) {
-        send(devsim::key_frame(k.button));
-      } else if (held.count(ch)) {
-        held.erase(ch);
-        send(devsim::key_frame(k.release));
-      } else {
-        held.insert(ch);
-        send(devsim::key_frame(k.button));
-        console.line(std::string("devsim: ") + k.name + "; press " + ch +
-                     " again or space to release");
-      }
-      return;
     }
   };
 
