@@ -13,6 +13,8 @@
 #   SCOPE_RUN_TMPFS=0       keep the media folder on the host disk (see below)
 #   SCOPE_MSG_KEYS=<s>,<r>  queue keys (default: a private pair for this run)
 #   SCOPE_DEVSIM_ARGS="..." more options for the simulator, e.g. "--battery 700 --card full"
+#   SCOPE_OPEN_PAGE=<window> a page opened over the observation screen at start (the pages no
+#                           menu row leads to: "Zavo_compass_menu", "Zavo_wind", ...)
 #   TK_HEADLESS=1           no window even with a display
 #
 # The simulator asks this script (through a control file) to restart the UI when the scope

@@ -200,4 +200,27 @@ TEST_F(StartUp, AFailedQueueStartIsPrintedAndTheUIRunsOnWithoutTheLink) {
   EXPECT_EQ(msgget(keys_[1], 0), -1) << "the receive queue was never created";
 }
 
+TEST_F(StartUp, APageNamedAtStartOpensOverTheObservationScreenAndAnUnknownNameChangesNothing) {
+  // The compass page, which no menu row opens: it comes up above the boot logo, takes the keys
+  // (OK on its first row switches the compass) and its power key leaves to the observation
+  // screen, the logo having closed alone meanwhile.
+  start_both({}, {"SCOPE_OPEN_PAGE=Zavo_compass_menu"});
+  ASSERT_TRUE(ui_.wait_for("name  =============Zavo_compass_menu", kDeadline)) << ui_.output();
+  EXPECT_LT(ui_.output().find("name  =============Boot_logo"),
+            ui_.output().find("name  =============Zavo_compass_menu"));
+  sim_.send_line("press function");
+  EXPECT_TRUE(sim_.wait_for("33:compass_switch", kDeadline)) << sim_.output();
+  sim_.send_line("press power");
+  EXPECT_TRUE(home_screen_reached()) << sim_.output();
+  EXPECT_EQ(ui_.output().find("condition("), npos) << ui_.output();
+  ui_.stop();
+  sim_.stop();
+  remove_queues();
+
+  // A name that is no page: the toolkit's line, and the scope starts as it always does.
+  start_both({}, {"SCOPE_OPEN_PAGE=Zavo_nowhere"});
+  EXPECT_TRUE(ui_.wait_for("no layout file", kDeadline)) << ui_.output();
+  EXPECT_TRUE(home_screen_reached()) << sim_.output();
+}
+
 }  // namespace
