@@ -101,6 +101,8 @@ TEST(DeviceAccessories, TheWindMeterConnectsAfterSwitchingOnAndReportsWhileConne
     }
     return out;
   };
+  d.device.send_startup_records();  // the UI came up: the first readings go at once
+  EXPECT_TRUE(wind_lines().empty()) << "the first readings hold none from a meter that is off";
   d.device.tick(0);
   d.decoded();
   d.device.tick(2000);

@@ -78,13 +78,13 @@ TEST(DeviceModel, AnswersTheReadyFrameWithTheStartUpRecordsAndFirstReadings) {
   Recorder r;
   r.on(8, 0, 0, {0});
   // (type command sub) of each: settings, zeroing, profiles 0..4, the zoom, battery type and
-  // level, the three compass angles, wind.
+  // level, the three compass angles; no wind, the meter being off.
   std::string heads;
   for (const Frame& f : r.sent)
     heads += framedec::hex(Frame(f.begin() + 2, f.begin() + 5)) + ", ";
   EXPECT_EQ(heads,
             "10 00 00, 10 01 00, 10 02 00, 10 02 01, 10 02 02, 10 02 03, 10 02 04, 01 00 10, "
-            "0f 00 01, 0f 00 00, 06 00 00, 06 00 01, 06 00 02, 00 00 26, ");
+            "0f 00 01, 0f 00 00, 06 00 00, 06 00 01, 06 00 02, ");
   EXPECT_EQ(to_ui(r.sent[1]), "PARAM  RETICLE_PARAM  bytes=212");
   EXPECT_EQ(to_ui(r.sent[7]), "INFRARED  INFRARED_ZOOM  value=100");
   // Without the schedule the records end with the zoom.

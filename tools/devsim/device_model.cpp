@@ -293,7 +293,8 @@ void Device::send_startup_records() {
     send_(battery_type_frame(0));
     send_battery();
     send_compass();
-    send_wind();
+    // The wind meter reports only while it is on and connected, from the first reading on.
+    if (wind_connected_) send_wind();
   }
 }
 

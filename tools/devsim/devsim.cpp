@@ -184,6 +184,8 @@ struct Readings {
       compass = true;
     } else if (type == 0 && sub == 38) {
       wind_mm_s = v[0] | (v[1] << 8);
+    } else if (type == 29) {
+      if (v[0] == 0) wind_mm_s = -1;  // the meter disconnected: no reading to show
     } else if (type == 4) {
       distance_dm = v[0] == 0 ? (v[1] << 8 | v[2]) : -1;
     } else if (type == 23 && sub == TAP_PROCESS) {
