@@ -155,15 +155,22 @@ Frame resealed(Frame f) {
 std::vector<Frame> hostile_frames(int count, uint64_t seed) {
   uint64_t state = seed;
   std::vector<Frame> out;
-  // Readings whose handlers read 1 to 8 value bytes: cut short, each must be refused.
-  const Frame readings[] = {battery_frame(700),      battery_type_frame(1),
-                            compass_frame(0, 123),   compass_frame(1, -3),
-                            wind_frame(4200),        distance_frame(4500),
-                            zoom_frame(250),         video_total_frame(4500, 30),
-                            video_position_frame(90)};
+  // Readings, each with the value bytes its handler cannot do without (a video's length may
+  // leave out its frame rate): cut below that, each must be refused.
+  struct Reading {
+    Frame frame;
+    size_t needs;
+  };
+  const Reading readings[] = {
+      {battery_frame(700), 2},       {battery_type_frame(1), 1},
+      {compass_frame(0, 123), 3},    {compass_frame(1, -3), 3},
+      {wind_frame(4200), 2},         {distance_frame(4500), 3},
+      {zoom_frame(250), 2},          {video_total_frame(4500, 30), 8},
+      {video_position_frame(90), 8},
+  };
   for (int i = 0; i < count; ++i) {
-    const Frame& base = readings[next_random(&state) % std::size(readings)];
-    Frame f = base;
+    const Reading& reading = readings[next_random(&state) % std::size(readings)];
+    Frame f = reading.frame;
     switch (next_random(&state) % 9) {
       case 0: f[0] = static_cast<uint8_t>(random_in(&state, 0, 0xA9)); break;  // header
       case 1: f[f.size() - 3] ^= 1; break;                                     // checksum
@@ -174,8 +181,7 @@ std::vector<Frame> hostile_frames(int count, uint64_t seed) {
         f = resealed(f);
         break;
       case 5: {  // fewer value bytes than its handler reads
-        const size_t values = f.size() - 9;
-        const size_t keep = values > 0 ? next_random(&state) % values : 0;
+        const size_t keep = next_random(&state) % reading.needs;
         f.erase(f.begin() + 6 + static_cast<long>(keep), f.end() - 3);
         f = resealed(f);
         break;
