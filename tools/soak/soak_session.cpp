@@ -2,6 +2,7 @@
 #include "soak_session.h"
 
 #include <fcntl.h>
+#include <malloc.h>
 #include <sys/ipc.h>
 #include <sys/msg.h>
 #include <sys/statfs.h>
@@ -58,7 +59,12 @@ int card_statfs(const char*, struct statfs* out) {
   return 0;
 }
 
+// Resident memory without the toolkit's picture cache (every decoded image stays cached, and the
+// card grows by every photo and recording of the walk) and after freed heap pages went back to
+// the system: what stays is in use.
 long resident_kib() {
+  tk_testing_drop_draw_caches();
+  malloc_trim(0);
   long pages = 0, resident = 0;
   std::ifstream statm("/proc/self/statm");
   statm >> pages >> resident;
@@ -414,6 +420,10 @@ SoakFigures Session::run() {
   if (figures_.timers_after != figures_.timers_before) fail("timers before and after differ");
   if (figures_.widgets_after != figures_.widgets_before) fail("widgets before and after differ");
   if (figures_.idles_after != figures_.idles_before) fail("idles before and after differ");
+  // Flat after warm-up: the first round's figure against the end's, once there is a run to judge.
+  constexpr long RSS_SLACK_KIB = 4096;
+  if (options_.rounds >= 3 && figures_.rss_end_kib - figures_.rss_warm_kib > RSS_SLACK_KIB)
+    fail("resident memory grew by more than 4 MiB after warm-up");
   figures_.real_ms = static_cast<uint64_t>(
       std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - real_start).count());
   figures_.passed = figures_.failures.empty();
