@@ -98,8 +98,12 @@ TEST(SoakLanguage, TheWalkIsRepeatableAndNeverConfirmsWhatCannotBeUndone) {
   const auto free_walk = walk(5, "Zavo_menu2", 5000);
   EXPECT_EQ(buttons(free_walk).size(), 16u);
   for (const auto& m : free_walk) {
-    if (m.button == KEY_POWER_L) EXPECT_LE(m.hold_ms, 1800u);
-    if (m.release == KEY_NULL_MAX) EXPECT_EQ(m.hold_ms, 0u);
+    if (m.button == KEY_POWER_L) {
+      EXPECT_LE(m.hold_ms, 1800u);
+    }
+    if (m.release == KEY_NULL_MAX) {
+      EXPECT_EQ(m.hold_ms, 0u);
+    }
   }
   // On the card's and the reset's confirmations no function press; on the upgrade neither
   // function nor a power hold.
