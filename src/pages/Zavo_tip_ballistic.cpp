@@ -56,7 +56,6 @@ bool is_ballistic_page(std::string_view name) {
 }
 
 ret_t on_tip_timer(const timer_info_t* timer) {
-  (void)timer;
   tip_timer_id = 0;
   std::printf("exit Zavo_tip_ballistic\n\n\n");
   // temp_window is 32 bytes written by the device link; read no further than them.
@@ -64,6 +63,14 @@ ret_t on_tip_timer(const timer_info_t* timer) {
                               strnlen(stUIStatus.temp_window, sizeof(stUIStatus.temp_window)));
   std::printf("%.*s\n\n\n", static_cast<int>(back.size()), back.data());
   const std::string name(back);
+  // A page opened over the notice meanwhile (a key that came with the load reached the window
+  // below before the notice took the keys): the user has moved on, the notice only goes. A
+  // switch would close that page instead and leave the notice at the bottom of the stack.
+  widget_t* top = window_manager_get_top_window(window_manager());
+  if (top != static_cast<widget_t*>(timer->ctx)) {
+    navigator_close("Zavo_tip_ballistic");
+    return RET_REMOVE;
+  }
   if (is_ballistic_page(back) || name.empty() ||
       navigator_switch_to(name.c_str(), TRUE) != RET_OK) {
     // A ballistic page, or no window to give the screen back to (the notice opened by name, or a

@@ -88,6 +88,7 @@ TEST_F(Queue, TenThousandIdlePostsAndTwoThousandKeyPairsFromAnotherThreadArriveI
 }
 
 TEST_F(Queue, APostIntoAFullQueueFailsLoudlyAndTheQueueNeverGrows) {
+  EXPECT_EQ(tk_testing_queue_high_water(), 0u);
   for (uintptr_t i = 1; i <= MAIN_LOOP_QUEUE_SIZE; i++) {
     ASSERT_EQ(idle_queue(receive_idle, reinterpret_cast<void*>(i)), RET_OK);
   }
@@ -104,6 +105,11 @@ TEST_F(Queue, APostIntoAFullQueueFailsLoudlyAndTheQueueNeverGrows) {
   tk_testing_advance(0);
   ASSERT_EQ(received.size(), size_t{MAIN_LOOP_QUEUE_SIZE});
   EXPECT_EQ(received.back(), uintptr_t{MAIN_LOOP_QUEUE_SIZE});
+  // The drained queue remembers how full it was.
+  EXPECT_EQ(tk_testing_queue_length(), 0u);
+  EXPECT_EQ(tk_testing_queue_high_water(), uint32_t{MAIN_LOOP_QUEUE_SIZE});
+  ASSERT_EQ(idle_queue(receive_idle, reinterpret_cast<void*>(1)), RET_OK);
+  EXPECT_EQ(tk_testing_queue_high_water(), uint32_t{MAIN_LOOP_QUEUE_SIZE});
 }
 
 TEST_F(Queue, OneFlagForAllKeysDecidesWhetherAKeyUpIsQueuedAndCodesArriveUnchanged) {

@@ -198,6 +198,8 @@ ret_t queue_push(Request&& r, const char* what) {
       return RET_FAIL;
     }
     gl.queue.push_back(std::move(r));
+    const auto length = static_cast<uint32_t>(gl.queue.size());
+    if (length > gl.queue_high_water.load()) gl.queue_high_water.store(length);
   }
   if (gl.backend) gl.backend->wake();
   return RET_OK;
@@ -434,6 +436,7 @@ void reset_state() {
     gl.post_key_pressed = false;
   }
   gl.queue_overflows = 0;
+  gl.queue_high_water = 0;
   gl.held.clear();
   gl.dirty.clear();
   gl.quit_requested = false;

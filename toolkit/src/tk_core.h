@@ -258,7 +258,8 @@ struct Global {
   std::mutex queue_mutex;
   std::deque<Request> queue;
   std::atomic<uint32_t> queue_overflows{0};
-  bool post_key_pressed = false;  // guarded by queue_mutex
+  std::atomic<uint32_t> queue_high_water{0};  // most entries ever waiting at once
+  bool post_key_pressed = false;              // guarded by queue_mutex
 
   // window stack lock for readers on other threads
   std::recursive_mutex stack_mutex;

@@ -1,6 +1,10 @@
 // Test support: the test clock, keys, XML windows, counters and dumps.
 #include "tk_testing.h"
 
+#include <dlfcn.h>
+
+#include <cstdio>
+
 #include "main_loop/main_loop_simple.h"
 #include "tk_core.h"
 
@@ -150,6 +154,26 @@ std::vector<rect_t> tk_testing_take_dirty(void) {
   return tk::take_dirty();
 }
 
+std::vector<std::string> tk_testing_timer_descriptions(void) {
+  std::vector<std::string> out;
+  for (const auto& [id, t] : tk::g().timers) {
+    if (t->removed) continue;
+    char line[256];
+    Dl_info where{};
+    const bool named = dladdr(reinterpret_cast<void*>(t->info.on_timer), &where) != 0 &&
+                       where.dli_sname != nullptr;
+    const auto address = reinterpret_cast<uintptr_t>(t->info.on_timer);
+    const auto base = reinterpret_cast<uintptr_t>(where.dli_fbase);
+    std::snprintf(line, sizeof line, "every %u ms, widget %s, callback %s (%s+0x%zx)",
+                  t->info.duration,
+                  t->owner != nullptr && t->owner->name != nullptr ? t->owner->name : "-",
+                  named ? where.dli_sname : "?", where.dli_fname != nullptr ? where.dli_fname : "?",
+                  static_cast<size_t>(address - base));
+    out.push_back(line);
+  }
+  return out;
+}
+
 uint32_t tk_testing_timer_count(void) {
   uint32_t n = 0;
   for (const auto& [id, t] : tk::g().timers)
@@ -170,6 +194,10 @@ uint32_t tk_testing_widget_count(void) {
 
 uint32_t tk_testing_queue_overflows(void) {
   return tk::g().queue_overflows.load();
+}
+
+uint32_t tk_testing_queue_high_water(void) {
+  return tk::g().queue_high_water.load();
 }
 
 uint32_t tk_testing_queue_length(void) {

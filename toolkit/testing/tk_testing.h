@@ -102,6 +102,10 @@ std::vector<rect_t> tk_testing_take_dirty(void);
 // Timers not removed (widget timers included), idles not removed (the toolkit's own open, close
 // and burial idles included), widgets not yet freed (the window manager included).
 uint32_t tk_testing_timer_count(void);
+// One line per live timer: its period, the widget it belongs to and its callback's symbol
+// ("?" when the program exports none) with its file and offset there
+// (`addr2line -f -C -e <file> <offset>` names a static one).
+std::vector<std::string> tk_testing_timer_descriptions(void);
 uint32_t tk_testing_idle_count(void);
 uint32_t tk_testing_widget_count(void);
 
@@ -111,6 +115,8 @@ uint32_t tk_testing_widget_count(void);
 uint32_t tk_testing_queue_overflows(void);
 // Entries waiting in the queue now (any thread).
 uint32_t tk_testing_queue_length(void);
+// The most entries that ever waited in the queue at once (cleared by tk_testing_reset).
+uint32_t tk_testing_queue_high_water(void);
 
 /* ---- log lines (log_debug/info/warn/error and the check macros) ---- */
 

@@ -148,6 +148,7 @@ bool Device::set_card(const std::string& state, std::string* error) {
     *error = "card takes ok, low or full";
     return false;
   }
+  if (card_filler_) return card_filler_(want_free, error);
   if (root_.empty()) {
     *error = "no device tree (--root or SCOPE_UI_ROOT): no card to fill";
     return false;

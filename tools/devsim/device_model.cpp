@@ -400,6 +400,7 @@ void Device::on_frame(const Frame& f) {
 }
 
 void Device::tick(uint64_t now_ms) {
+  if (silent(now_ms)) return;
   now_ms_ = now_ms;
   tick_system();
   tick_reticle(now_ms);

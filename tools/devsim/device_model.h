@@ -84,6 +84,17 @@ class Device {
   // Fills the card (usrdata/media) to leave 150 MiB ("full": the UI's card-full rule) or
   // 400 MiB ("low") free, or removes the filling ("ok"). False with a reason when it cannot.
   bool set_card(const std::string& state, std::string* error);
+  // Fills the card some other way than with a file on the device tree (a test's own card): given
+  // the free bytes wanted (0: the card's own contents again), true when done, else false with a
+  // reason. Replaces the file filling of set_card.
+  void set_card_filler(std::function<bool(uint64_t free_bytes, std::string* error)> filler) {
+    card_filler_ = std::move(filler);
+  }
+  // The device stops answering until `until_ms` (on the clock of tick): no readings, no scheduled
+  // frames, and its host reads nothing from the UI (the UI's frames wait in their queue and are
+  // answered late once it comes back). What a script sends on purpose still goes.
+  void silence_until(uint64_t until_ms) { silent_until_ms_ = until_ms; }
+  bool silent(uint64_t now_ms) const { return now_ms < silent_until_ms_; }
   // Plays a firmware upgrade: the start notice, then the states the UI's answers lead to.
   void start_upgrade(Upgrade outcome);
   bool rebooting() const { return rebooting_; }
@@ -167,6 +178,8 @@ class Device {
 
   // device_menus.cpp
   std::function<void(System)> system_hook_;
+  std::function<bool(uint64_t, std::string*)> card_filler_;
+  uint64_t silent_until_ms_ = 0;
   std::string root_;
   bool battery_fixed_ = false;
   bool rebooting_ = false;      // the UI restarts: nothing is sent until it is ready again

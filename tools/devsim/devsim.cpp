@@ -461,8 +461,8 @@ int main(int argc, char** argv) {
   };
 
   while (!stop_requested && !quit) {
-    // Everything the UI sent.
-    for (;;) {
+    // Everything the UI sent (a silent device leaves it waiting in the queue).
+    for (; !device.silent(now_ms());) {
       Inf_MsgEvent event;
       ssize_t got = msgrcv(q.from_ui, &event, MSG_TEXT_SIZE, MSG_SEND_TYPE, IPC_NOWAIT);
       if (got < 0) {

@@ -65,6 +65,10 @@ constexpr Verb VERBS[] = {
     {"update-state", Op::UPDATE_STATE, 1, 1},
     {"update-result", Op::UPDATE_RESULT, 1, 1},
     {"shot", Op::SHOT, 0, 0},
+    {"keys", Op::KEYS, 2, 2},
+    {"home", Op::HOME, 0, 0},
+    {"silent", Op::SILENT, 1, 1},
+    {"hostile", Op::HOSTILE, 2, 2},
     {"wait", Op::WAIT, 1, 1},
     {"timeout", Op::TIMEOUT, 1, 1},
     {"quit", Op::QUIT, 0, 0},
@@ -88,7 +92,141 @@ constexpr WordVerb WORD_VERBS[] = {
     {"card", Op::CARD, CARD_STATES, false},
 };
 
+// splitmix64: the same numbers from the same seed on every machine and library.
+uint64_t next_random(uint64_t* state) {
+  uint64_t z = (*state += 0x9E3779B97F4A7C15ull);
+  z = (z ^ (z >> 30)) * 0xBF58476D1CE4E5B9ull;
+  z = (z ^ (z >> 27)) * 0x94D049BB133111EBull;
+  return z ^ (z >> 31);
+}
+
+// A number in lo..hi.
+uint32_t random_in(uint64_t* state, uint32_t lo, uint32_t hi) {
+  return lo + static_cast<uint32_t>(next_random(state) % (hi - lo + 1));
+}
+
+// The walk's moves and their weights: a user mostly moves between rows and confirms, goes back
+// now and then and home rarely.
+struct MoveKind {
+  uint8_t button;
+  uint8_t release;  // KEY_NULL_MAX: a short press
+  uint32_t weight;
+  uint32_t min_hold_ms, max_hold_ms;
+};
+
+constexpr MoveKind MOVE_KINDS[] = {
+    {KEY_PHOTO_S, KEY_NULL_MAX, 24, 0, 0},            // next row, value down
+    {KEY_RANGE_S, KEY_NULL_MAX, 16, 0, 0},            // previous row, value up
+    {KEY_FUCTION_S, KEY_NULL_MAX, 24, 0, 0},          // confirm, toggle, step
+    {KEY_FUCTION_L, KEY_FUCTION_L_POP, 9, 100, 600},  // main menu, back one page
+    {KEY_POWER_S, KEY_NULL_MAX, 3, 0, 0},             // back to the picture; screen off there
+    {KEY_FOCUS_UP_S, KEY_NULL_MAX, 2, 0, 0},
+    {KEY_FOCUS_DOWN_S, KEY_NULL_MAX, 2, 0, 0},
+    {KEY_PHOTO_L, KEY_PHOTO_L_POP, 3, 100, 3000},   // photo, fast moves
+    {KEY_RANGE_L, KEY_RANGE_L_POP, 3, 100, 3000},   // range finder on/off, fast moves
+    {KEY_PHOTO_L, KEY_PHOTO_L_POP, 1, 7200, 8000},  // 7 s on the range finder row: alignment
+    {KEY_RANGE_L, KEY_RANGE_L_POP, 1, 7200, 8000},
+    {KEY_POWER_L, KEY_POWER_L_POP, 1, 100, 1800},  // the countdown, released before its end
+    {KEY_FOCUS_UP_L, KEY_FOCUS_UP_L_POP, 1, 100, 1500},
+    {KEY_FOCUS_DOWN_L, KEY_FOCUS_DOWN_L_POP, 1, 100, 1500},
+    {KEY_PHOTO_FUCTION_S, KEY_NULL_MAX, 1, 0, 0},
+    {KEY_RANGE_FUCTION_S, KEY_NULL_MAX, 1, 0, 0},  // laser
+    {KEY_RANGE_PHOTO_S, KEY_NULL_MAX, 1, 0, 0},    // shutter
+    {KEY_UP_POWER_L, KEY_NULL_MAX, 1, 0, 0},       // ballistic calculator
+};
+
+// Whether `button` on `screen` would confirm what cannot be undone (formatting, a factory reset,
+// installing firmware, powering off after an upgrade).
+bool irreversible(uint8_t button, const std::string& screen) {
+  if (screen == "Zavo_SDcard" || screen == "Zavo_Reset") return button == KEY_FUCTION_S;
+  if (screen == "Zavo_updata") return button == KEY_FUCTION_S || button == KEY_POWER_L;
+  return false;
+}
+
+// A frame whose length byte and checksum are made right again after its bytes were changed.
+Frame resealed(Frame f) {
+  f[1] = static_cast<uint8_t>(f.size() - 3);
+  f[f.size() - 3] = framedec::checksum(std::span<const uint8_t>(f.data(), f.size() - 3));
+  return f;
+}
+
 }  // namespace
+
+std::vector<Frame> hostile_frames(int count, uint64_t seed) {
+  uint64_t state = seed;
+  std::vector<Frame> out;
+  // Readings, each with the value bytes its handler cannot do without (a video's length may
+  // leave out its frame rate): cut below that, each must be refused.
+  struct Reading {
+    Frame frame;
+    size_t needs;
+  };
+  const Reading readings[] = {
+      {battery_frame(700), 2},       {battery_type_frame(1), 1},
+      {compass_frame(0, 123), 3},    {compass_frame(1, -3), 3},
+      {wind_frame(4200), 2},         {distance_frame(4500), 3},
+      {zoom_frame(250), 2},          {video_total_frame(4500, 30), 8},
+      {video_position_frame(90), 8},
+  };
+  for (int i = 0; i < count; ++i) {
+    const Reading& reading = readings[next_random(&state) % std::size(readings)];
+    Frame f = reading.frame;
+    switch (next_random(&state) % 9) {
+      case 0: f[0] = static_cast<uint8_t>(random_in(&state, 0, 0xA9)); break;  // header
+      case 1: f[f.size() - 3] ^= 1; break;                                     // checksum
+      case 2: f[f.size() - 2] = 0xEA; break;                                   // 0xEB
+      case 3: f[f.size() - 1] = 0xAB; break;                                   // 0xAA
+      case 4:  // a type the dispatch does not know
+        f[2] = static_cast<uint8_t>(random_in(&state, 30, 255));
+        f = resealed(f);
+        break;
+      case 5: {  // fewer value bytes than its handler reads
+        const size_t keep = next_random(&state) % reading.needs;
+        f.erase(f.begin() + 6 + static_cast<long>(keep), f.end() - 3);
+        f = resealed(f);
+        break;
+      }
+      case 6: f[1] = static_cast<uint8_t>(random_in(&state, 32, 255)); break;  // past the end
+      case 7: {  // a length too short for the fixed part, correctly sealed: aa L .. sum eb aa
+        const uint8_t l = static_cast<uint8_t>(random_in(&state, 2, 5));
+        f.assign({0xAA, l});
+        while (f.size() < l)
+          f.push_back(static_cast<uint8_t>(random_in(&state, 0, 29)));
+        f.push_back(framedec::checksum(std::span<const uint8_t>(f.data(), f.size())));
+        f.push_back(0xEB);
+        f.push_back(0xAA);
+        break;
+      }
+      default: {  // garbage, sometimes nothing at all
+        f.resize(random_in(&state, 0, 40));
+        for (uint8_t& b : f)
+          b = static_cast<uint8_t>(next_random(&state));
+        if (!f.empty()) f[0] = 0xAA;
+        break;
+      }
+    }
+    out.push_back(std::move(f));
+  }
+  return out;
+}
+
+WalkMove next_walk_move(uint64_t* state, const std::string& screen) {
+  uint32_t total = 0;
+  for (const MoveKind& k : MOVE_KINDS)
+    total += k.weight;
+  for (;;) {
+    uint32_t pick = random_in(state, 0, total - 1);
+    const MoveKind* kind = MOVE_KINDS;
+    while (pick >= kind->weight) {
+      pick -= kind->weight;
+      ++kind;
+    }
+    if (irreversible(kind->button, screen)) continue;
+    const uint32_t hold =
+        kind->release == KEY_NULL_MAX ? 0 : random_in(state, kind->min_hold_ms, kind->max_hold_ms);
+    return {kind->button, kind->release, hold};
+  }
+}
 
 std::optional<Command> parse_command(std::string_view line, std::string* error) {
   error->clear();
@@ -208,7 +346,11 @@ std::optional<Command> parse_command(std::string_view line, std::string* error) 
         }
       }
     }
-    if ((c.op == Op::WAIT || c.op == Op::TIMEOUT) && c.numbers[0] < 0) {
+    if ((c.op == Op::KEYS || c.op == Op::HOSTILE) && (c.numbers[0] < 0 || c.numbers[1] < 0)) {
+      *error = "\"" + verb + "\" takes a count and a seed, neither negative";
+      return std::nullopt;
+    }
+    if ((c.op == Op::WAIT || c.op == Op::TIMEOUT || c.op == Op::SILENT) && c.numbers[0] < 0) {
       *error = "a time cannot be negative";
       return std::nullopt;
     }
@@ -302,10 +444,52 @@ void execute(const Command& c, const Actions& a) {
     case Op::QUIT:
       if (a.quit) a.quit();
       break;
+    case Op::HOSTILE:
+      for (const Frame& f : hostile_frames(n[0], static_cast<uint64_t>(n[1])))
+        a.send(f);
+      break;
+    case Op::KEYS:  // a walk steps with the runner's clock
+    case Op::HOME:
+    case Op::SILENT:
     case Op::WAIT:
     case Op::EXPECT:
     case Op::EXPECT_HEX:
     case Op::TIMEOUT: break;
+  }
+}
+
+uint64_t Runner::seed_of(int seed) const {
+  return static_cast<uint64_t>(seed) * 1000003u + static_cast<uint64_t>(round_) * 0x5851F42Du;
+}
+
+bool Runner::walk(const Command& keys, uint64_t now_ms) {
+  if (!waiting_) {
+    waiting_ = true;
+    walk_left_ = keys.numbers[0];
+    walk_state_ = seed_of(keys.numbers[1]);
+    walk_next_ms_ = now_ms;
+    walk_release_ = KEY_NULL_MAX;
+  }
+  for (;;) {
+    if (walk_release_ != KEY_NULL_MAX) {
+      if (now_ms < walk_release_ms_) return false;
+      actions_.send(key_frame(walk_release_));
+      walk_release_ = KEY_NULL_MAX;
+    }
+    if (walk_left_ == 0) {
+      waiting_ = false;
+      return true;
+    }
+    if (now_ms < walk_next_ms_) return false;
+    const WalkMove move = next_walk_move(&walk_state_, actions_.screen ? actions_.screen() : "");
+    actions_.send(key_frame(move.button));
+    ++walk_keys_;
+    --walk_left_;
+    if (move.release != KEY_NULL_MAX) {
+      walk_release_ = move.release;
+      walk_release_ms_ = now_ms + move.hold_ms;
+    }
+    walk_next_ms_ = now_ms + move.hold_ms + random_in(&walk_state_, 100, 900);
   }
 }
 
@@ -358,6 +542,48 @@ Runner::State Runner::step(uint64_t now_ms, const std::vector<Received>& receive
                        " other frame(s) came, the last: " + last);
         state_ = State::FAILED;
         return state_;
+      }
+      case Op::KEYS:
+        if (!walk(c, now_ms)) return state_;
+        ++pc_;
+        break;
+      case Op::HOME: {
+        if (!actions_.screen) {
+          actions_.print(where + ": \"home\" needs a host that sees the UI's screen; skipped");
+          ++pc_;
+          break;
+        }
+        if (waiting_ && now_ms < until_ms_) return state_;
+        if (actions_.screen() == HOME_SCREEN) {
+          waiting_ = false;
+          home_presses_ = 0;
+          ++pc_;
+          break;
+        }
+        if (home_presses_ == 20) {
+          actions_.print("FAIL " + where + ": the UI stays on " + actions_.screen() +
+                         " after 20 power presses");
+          state_ = State::FAILED;
+          return state_;
+        }
+        actions_.send(key_frame(KEY_POWER_S));
+        ++home_presses_;
+        waiting_ = true;
+        until_ms_ = now_ms + 500;
+        return state_;
+      }
+      case Op::SILENT:
+        actions_.device->silence_until(now_ms + static_cast<uint64_t>(c.numbers[0]));
+        actions_.print("device: silent for " + std::to_string(c.numbers[0]) + " ms");
+        ++pc_;
+        break;
+      case Op::HOSTILE: {
+        const auto frames = hostile_frames(c.numbers[0], seed_of(c.numbers[1]));
+        for (const Frame& f : frames)
+          actions_.send(f);
+        hostile_sent_ += frames.size();
+        ++pc_;
+        break;
       }
       default:
         execute(c, actions_);
