@@ -279,6 +279,7 @@ TEST(DeviceScript, UpgradeAndCardCommands) {
   devsim::Actions actions{[&](const Frame& f) { r.device.on_frame(f); },
                           [&](const std::string& l) { r.printed.push_back(l); },
                           &r.device,
+                          {},
                           {}};
   std::string error;
   devsim::execute(*devsim::parse_command("card low", &error), actions);

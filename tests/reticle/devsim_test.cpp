@@ -133,6 +133,7 @@ TEST(DevsimReticle, InNeverModeASaveIsNotReportedAndTheCommandLanguageSetsTheMod
   devsim::Actions actions{[&b](const Frame& f) { b.out.push_back(f); },
                           [&b](const std::string& s) { b.lines.push_back(s); },
                           &b.device,
+                          {},
                           {}};
   std::string error;
   devsim::execute(*devsim::parse_command("blind-save never", &error), actions);

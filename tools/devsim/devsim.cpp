@@ -390,7 +390,7 @@ int main(int argc, char** argv) {
   // are written to it. Without a tree the host's /usrdata is left alone.
   if (device_root_is_set()) device.set_media_dir(device_path("/usrdata/media/"));
 
-  devsim::Actions actions{send, print, &device, [&quit] { quit = true; }};
+  devsim::Actions actions{send, print, &device, [&quit] { quit = true; }, {}};
   std::unique_ptr<devsim::Runner> runner;
   if (!options.script.empty()) runner = std::make_unique<devsim::Runner>(script, actions);
 
