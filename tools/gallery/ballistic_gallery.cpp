@@ -46,7 +46,7 @@ constexpr uint32_t UP = GUI_KEY_RANGE_S;
 constexpr uint32_t DOWN = GUI_KEY_PHOTO_S;
 constexpr uint32_t OK = GUI_KEY_FUCTION_S;
 
-const std::array<page_shot, 6> SHOTS = {{
+const std::array<page_shot, 8> SHOTS = {{
     {"ballistic_menu", "Zavo_ballistic_menu", field_profile,
      [] {
        keys({DOWN, DOWN, DOWN, DOWN});
@@ -68,6 +68,8 @@ const std::array<page_shot, 6> SHOTS = {{
      }},
     {"ballistic_weather", "Zavo_ballistic_weather", field_profile, [] { keys({OK}); }},
     {"ballistic_tip", "Zavo_tip_ballistic", field_profile, {}},
+    {"ballistic_zeroweather", "Zavo_ballistic_zeroweather", field_profile, {}},
+    {"ballistic_lens", "Zavo_bullistic_lens", field_profile, {}},
 }};
 
 }  // namespace

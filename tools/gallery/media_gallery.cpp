@@ -1,6 +1,7 @@
 // media_gallery: pictures of the media pages (docs/screens/ through the `gallery` target): the
 // file browser on its two tabs, empty, with the option panel, the delete confirmation and the
-// damaged-video notice; the photo viewer; the video player playing, paused and winding.
+// damaged-video notice; the photo viewer; the video player playing, paused and winding; the
+// second player window, which has no behaviour.
 //
 //   media_gallery BACKDROP.png OUTPUT_DIR
 //
@@ -135,6 +136,7 @@ const page_shot SHOTS[] = {
        position(300);
        key(GUI_KEY_PHOTO_S);
      }},
+    {"file_player_second", "Zavo_file_video_1", [] { use_tree(g_card); }, nullptr},
 };
 
 bool make_tree(std::string* tree, bool media) {

@@ -1,13 +1,16 @@
 // menus_gallery: pictures of the menus and system pages over the observation screen, for
 // docs/screens/ (the `gallery` target): both halves of the main menu, the image menu on each
 // item, settings (also in German and Russian, the longest texts), the date editor, the card
-// page, the shut-down countdown and three states of the firmware upgrade.
+// page, the shut-down countdown and three states of the firmware upgrade; the information page,
+// the format and factory-reset confirmations and their progress screens, the USB screen, the boot
+// logo and the two start-up windows that have no behaviour.
 //
 //   menus_gallery BACKDROP.png OUTPUT_DIR
 #include <sys/stat.h>
 #include <sys/statfs.h>
 
 #include <array>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
@@ -68,7 +71,7 @@ void russian() {
   change_locale("ru_RU");
 }
 
-const std::array<page_shot, 17> SHOTS = {{
+const std::array<page_shot, 27> SHOTS = {{
     {"menus_main_first_half", "Zavo_menu1", [] { Zavo_menu1_index = 1; },
      [] { keys({GUI_KEY_PHOTO_S}); }},
     {"menus_main_second_half", "Zavo_menu2", [] { Zavo_menu2_index = 1; },
@@ -127,6 +130,16 @@ const std::array<page_shot, 17> SHOTS = {{
        keys({GUI_KEY_FUCTION_S});
        upgrade_reports(790, {2, 4, 6, 8});
      }},
+    {"menus_info", "Zavo_Info", nullptr, charged},
+    {"menus_reset", "Zavo_Reset", nullptr, [] { keys({GUI_KEY_PHOTO_S}); }},
+    {"menus_restoring", "Zavo_Restoring", nullptr, charged},
+    {"menus_formatting", "Zavo_formatting", nullptr, [] { keys({GUI_KEY_PHOTO_S}); }},
+    {"menus_format_restart", "Zavo_format_restart", nullptr, charged},
+    {"menus_usb", "Zavo_USB", nullptr, charged},
+    {"startup_boot_logo", "Boot_logo", nullptr, charged},
+    {"startup_boot_logo_german", "Boot_logo", [] { stDevStatus.s8Language = 3; }, charged},
+    {"startup_init", "Zavo_Init", nullptr, charged},
+    {"startup_home_page", "Zavo_home_page", nullptr, charged},
 }};
 
 }  // namespace
@@ -139,6 +152,14 @@ int main(int argc, char** argv) {
   if (mkdtemp(tree) == nullptr) return 1;
   const std::string tmp = std::string(tree) + "/tmp";
   mkdir(tmp.c_str(), 0755);
+  // The information page reads the identification the device application writes at boot.
+  if (FILE* f = std::fopen((tmp + "/apps.version").c_str(), "w")) {
+    std::fputs(
+        "PN:\t [ZVT35-6401]\nSN:\t [25061417]\nFPA1:\t [IRD640-12U-0417]\n"
+        "FPA2:\t [VIS1080-P2]\nSW:\t [V3.1.4.0]\n",
+        f);
+    std::fclose(f);
+  }
   setenv("SCOPE_UI_ROOT", tree, 1);
   const int status = page_gallery_main(argc, argv, "menus_gallery", SHOTS);
   std::filesystem::remove_all(tree);

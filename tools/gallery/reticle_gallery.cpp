@@ -34,7 +34,7 @@ void reticle_menu_on(int row) {
   Zavo_reticle_index = static_cast<uint8_t>(row);
 }
 
-const std::array<page_shot, 13> SHOTS = {{
+const std::array<page_shot, 14> SHOTS = {{
     {"reticle_zero_list", "Zavo_reticle_menu", zeros,
      [] {
        navigator_to("Zavo_reticle_zero");
@@ -75,6 +75,10 @@ const std::array<page_shot, 13> SHOTS = {{
     {"reticle_range_marker", "Zavo_range_move", nullptr,
      [] {
        keys({GUI_KEY_PHOTO_S, GUI_KEY_FUCTION_L});
+     }},
+    {"reticle_laser_marker", "Zavo_laser_move", nullptr,
+     [] {
+       keys({GUI_KEY_PHOTO_S, GUI_KEY_PHOTO_S, GUI_KEY_FUCTION_L, GUI_KEY_RANGE_S});
      }},
     {"reticle_pixel_cursor", "Zavo_pixel_menu", nullptr, nullptr},
     {"reticle_pixel_options", "Zavo_pixel_menu", nullptr,
