@@ -76,7 +76,7 @@ TEST_F(UpgradeTest, TheCardAndTheBatteryDecideTheFirstState) {
 TEST_F(UpgradeTest, TheStartNoticeOpensThePageWhichStepsOncePerReport) {
   start_by_notice(790);
   EXPECT_EQ(Zavo_updata_index, 4);
-  EXPECT_EQ(text("label_updata"), "Looking for the new firmware…");
+  EXPECT_EQ(text("label_updata"), "Looking for the new firmware...");
   EXPECT_EQ(text("label_updata_keys"), "Please wait");
   state_report(0);
   EXPECT_EQ(picture(), "image_updata_6");
