@@ -50,7 +50,8 @@ ret_t application_init(const char* arg) {
   // On a desktop, SCOPE_OPEN_PAGE=<window> opens that page above the logo: when the logo's time
   // is up it closes alone and the page stays over the observation screen. It is the way to try
   // the pages no menu row leads to (the compass and wind pages, the zero list). The board never
-  // sets it; an unknown name gets the navigator's own line and the scope starts as usual.
+  // sets it; an unknown name gets the toolkit's "no layout file" line and the scope starts as
+  // usual.
   const char* page = std::getenv("SCOPE_OPEN_PAGE");
   if (page != NULL && page[0] != '\0') navigator_to(page);
   return ret;
