@@ -7,7 +7,9 @@ static std::string_view device_root() {
   return root != nullptr ? std::string_view(root) : std::string_view();
 }
 
-bool device_root_is_set() { return !device_root().empty(); }
+bool device_root_is_set() {
+  return !device_root().empty();
+}
 
 std::string device_path(std::string_view absolute) {
   std::string_view root = device_root();
