@@ -54,7 +54,7 @@ constexpr uint8_t kKeyFrameType = 7;
 constexpr uint8_t kPhotoButton = 9;
 
 #define PAGE_NAME(name) #name,
-constexpr const char* kPageTable[] = {PAGE_LIST(PAGE_NAME, PAGE_NAME)};
+constexpr const char* kPageTable[] = {PAGE_LIST(PAGE_NAME)};
 #undef PAGE_NAME
 
 // Per page, every timed open (ms of wall time, and of the UI thread's processor time, which a

@@ -19,8 +19,7 @@ struct page_entry {
 };
 
 #define PAGE_TABLE_ROW(name) page_entry{#name, name##_init},
-constexpr std::array<page_entry, PAGE_COUNT> page_table = {
-    {PAGE_LIST(PAGE_TABLE_ROW, PAGE_TABLE_ROW)}};
+constexpr std::array<page_entry, PAGE_COUNT> page_table = {{PAGE_LIST(PAGE_TABLE_ROW)}};
 #undef PAGE_TABLE_ROW
 
 // Names the boot logo asks for, by the device's use mode: both are the observation screen.

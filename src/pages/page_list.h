@@ -1,8 +1,7 @@
 // The scope's pages: one window name per line, each bound to its `<name>_init`.
 //
-// The navigator's page table, the declarations below and the minimal inits of the pages not
-// written yet are all generated from PAGE_LIST, so adding a page is one line here plus its
-// layout (ui/<name>.xml) and, once written, its module.
+// The navigator's page table and the declarations below are generated from PAGE_LIST, so adding
+// a page is one line here, its layout (ui/<name>.xml) and its module src/pages/<name>.cpp.
 #ifndef SCOPE_PAGES_PAGE_LIST_H
 #define SCOPE_PAGES_PAGE_LIST_H
 
@@ -11,10 +10,8 @@
 #include "awtk.h"
 
 // Window names, spelt as the layouts name them ("bullistic" and "updata" on purpose), in the
-// order of the page table. X(name): the page has its own module src/pages/<name>.cpp. P(name):
-// its module is not written yet and pending_pages.cpp gives it a minimal init; writing the
-// module turns the P into an X.
-#define PAGE_LIST(X, P)         \
+// order of the page table.
+#define PAGE_LIST(X)            \
   X(Zavo_Laser_menu)            \
   X(Zavo_lrf_menu)              \
   X(Zavo_PIP_menu)              \
@@ -65,11 +62,11 @@
   X(Zavo_shortcut_menu)
 
 #define PAGE_INIT_DECLARATION(name) ret_t name##_init(widget_t* win, void* ctx);
-PAGE_LIST(PAGE_INIT_DECLARATION, PAGE_INIT_DECLARATION)
+PAGE_LIST(PAGE_INIT_DECLARATION)
 #undef PAGE_INIT_DECLARATION
 
 #define PAGE_COUNT_ONE(name) +1
-inline constexpr int PAGE_COUNT = 0 PAGE_LIST(PAGE_COUNT_ONE, PAGE_COUNT_ONE);
+inline constexpr int PAGE_COUNT = 0 PAGE_LIST(PAGE_COUNT_ONE);
 #undef PAGE_COUNT_ONE
 static_assert(PAGE_COUNT == 48);
 

@@ -336,16 +336,6 @@ TEST_F(Player, PlaysAgainstTheSimulatedDeviceToTheEnd) {
   EXPECT_FALSE(device.playing());
 }
 
-TEST(MediaPages, InitsRefuseAMissingWindow) {
-  for (const char* name :
-       {"Zavo_file_menu", "Zavo_file_image", "Zavo_file_video", "Zavo_file_video_1"}) {
-    const std::string out =
-        printed([&] { EXPECT_EQ(navigator_find_page(name)(nullptr, nullptr), RET_BAD_PARAMS); });
-    EXPECT_NE(out.find("_init:"), std::string::npos) << name;
-    EXPECT_NE(out.find("condition(win != NULL) failed!"), std::string::npos) << name;
-  }
-}
-
 class VideoPageOne : public media_test::MediaPageTest {};
 
 TEST_F(VideoPageOne, OpensWithItsLayoutAndIgnoresKeys) {

@@ -160,10 +160,4 @@ TEST_F(ShutDownTest, AnEmptyBatteryOpensItOnceWithItsNotice) {
   EXPECT_EQ(with_prefix(sent(), "BASIC BASIC_SHUT_DOWN"), Lines{"BASIC BASIC_SHUT_DOWN value=1"});
 }
 
-TEST_F(ShutDownTest, InitRefusesAMissingWindow) {
-  std::string out =
-      printed([&] { EXPECT_EQ(Zavo_SHUT_DOWN_init(nullptr, nullptr), RET_BAD_PARAMS); });
-  EXPECT_NE(out.find("Zavo_SHUT_DOWN_init:"), std::string::npos) << out;
-}
-
 }  // namespace

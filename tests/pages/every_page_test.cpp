@@ -33,7 +33,7 @@ constexpr uint32_t kRunMs = 6000;
 constexpr uint32_t kAfterCloseMs = 61000;
 
 #define PAGE_NAME(name) #name,
-constexpr const char* kPageTable[] = {PAGE_LIST(PAGE_NAME, PAGE_NAME)};
+constexpr const char* kPageTable[] = {PAGE_LIST(PAGE_NAME)};
 #undef PAGE_NAME
 
 struct Case {
@@ -218,6 +218,18 @@ TEST(EveryPageTable, TheCheckedNamesAreTheNavigatorsPages) {
     with_layout += has_layout(page) ? 1 : 0;
   }
   EXPECT_GE(with_layout, 4u) << "the layouts folder is " SCOPE_UI_DIR;
+}
+
+// Every page's init refuses a missing window: RET_BAD_PARAMS and the argument line naming it.
+TEST(EveryPageTable, EveryInitRefusesAMissingWindowWithItsName) {
+  for (const char* page : kPageTable) {
+    ret_t ret = RET_OK;
+    const std::string out =
+        page_test::printed([&] { ret = navigator_find_page(page)(nullptr, nullptr); });
+    EXPECT_EQ(ret, RET_BAD_PARAMS) << page;
+    EXPECT_EQ(out.rfind(std::string(page) + "_init:", 0), 0u) << out;
+    EXPECT_NE(out.find(" condition(win != NULL) failed!\n"), std::string::npos) << out;
+  }
 }
 
 }  // namespace

@@ -42,7 +42,7 @@ constexpr uint64_t SETTLE_MS = 10000;  // after the scenario: tips and notices r
 constexpr auto LISTENER_PATIENCE = std::chrono::seconds(30);  // real time, sanitizers included
 
 #define PAGE_NAME(name) #name,
-constexpr const char* PAGE_NAMES[] = {PAGE_LIST(PAGE_NAME, PAGE_NAME)};
+constexpr const char* PAGE_NAMES[] = {PAGE_LIST(PAGE_NAME)};
 #undef PAGE_NAME
 
 // The card the UI measures: an 8 GiB card whose free space the device's `card` command sets.
